@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Installs the Debian 12 packages Vimora needs that are not there yet.
+#   scripts/install-deps.sh          build and run
+#   scripts/install-deps.sh --test   also what the test suite uses
+set -euo pipefail
+
+packages=(build-essential cmake ninja-build pkg-config
+          qt6-base-dev qt6-svg-dev libmpv-dev libemf2svg-dev libwmf-dev
+          qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins xdg-utils)
+if [[ "${1:-}" == "--test" ]]; then
+    packages+=(libgtest-dev libgmock-dev xvfb xauth xdotool xclip imagemagick poppler-utils
+               ffmpeg dvdauthor exiv2 libjpeg-turbo-progs libvips-tools desktop-file-utils)
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" || missing+=("$package")
+done
+[[ ${#missing[@]} -eq 0 ]] && exit 0
+
+sudo=()
+[[ $(id -u) -ne 0 ]] && sudo=(sudo)
+echo "Installing: ${missing[*]}"
+"${sudo[@]}" apt-get update -qq
+DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"

@@ -1,0 +1,39 @@
+#include "core/AppState.h"
+#include "core/MessageCatalogue.h"
+#include "core/SettingsStore.h"
+#include "platform/DataFolder.h"
+#include "platform/Launcher.h"
+#include "platform/Prompts.h"
+#include "viewer/frmMain.h"
+
+#include <QApplication>
+#include <QIcon>
+
+#include <clocale>
+
+int main(int argc, char *argv[])
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Vimora"));
+    QApplication::setApplicationVersion(QStringLiteral(VIMORA_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("vimora"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("vimora")));
+    std::setlocale(LC_NUMERIC, "C"); // libmpv refuses to start otherwise
+
+    IniSettingsStore settings;
+    MessageCatalogue messages;
+    AppState state(settings, messages);
+    state.ProgramFolder = DataFolder::locate(QCoreApplication::applicationDirPath());
+    if (QApplication::windowIcon().isNull())
+        QApplication::setWindowIcon(QIcon(state.ProgramFolder + QStringLiteral("hicolor/scalable/vimora.svg")));
+
+    QtPrompts prompts;
+    ProcessLauncher launcher;
+    frmMain window(state, prompts, launcher);
+
+    // The command line is one file path, taken whole: a path with blanks
+    // arrives split into several arguments and is joined again.
+    const QStringList arguments = QCoreApplication::arguments().mid(1);
+    window.Form_Load(arguments.join(QLatin1Char(' ')));
+    return QApplication::exec();
+}

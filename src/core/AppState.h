@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+class MessageCatalogue;
+class SettingsStore;
+
+// The state that the windows share. main() builds one and hands it to every
+// window, so a test starts from a fresh one; there are no other globals.
+struct AppState {
+    AppState(SettingsStore &settings, MessageCatalogue &messages)
+        : settings(settings), messages(messages) {}
+
+    SettingsStore &settings;
+    MessageCatalogue &messages;
+
+    // Program folder: the data folder, always ending in "/".
+    QString ProgramFolder;
+    QString HelpFilePath;
+
+    // Folder and file list (an empty list is one empty name).
+    QString CurrentFolder;
+    QString CurrentFileName;
+    QStringList FileNames{QString()};
+    int CurrentIndex = -1;
+    QString FolderSummaryText;
+    QString FileTypeCode;
+
+    // Type filter.
+    QString TypeFilterCode = QStringLiteral("ALLSUP");
+    int TypeFilterIndex = 0;
+    QString OpenFileFilter;
+
+    // User switches mirrored from controls and settings.
+    bool SlideshowOn = false;
+    int SlideSeconds = 5;
+    bool AutoPlayMovies = false;
+    bool AnimateGifs = true;
+    bool ShowTooltips = true;
+    QString SaveFolder;
+
+    // Guard and cancellation flags.
+    bool BrowserReady = false;
+    bool StopPreviewLoad = false;
+    bool KeepDisplay = false;
+    bool ProgramClosing = false;
+
+    // Which presenter and which windows are active.
+    bool MainMovieLoaded = false;
+    bool FullScreenActive = false;
+    bool FullViewLoaded = false;
+    bool IndexShown = false;
+    bool IndexLoading = false;
+    bool IndexHiddenWithMain = false;
+
+    bool CropSelectionActive = false;
+
+    bool listIsEmpty() const { return FileNames.size() <= 1 && FileNames.value(0).isEmpty(); }
+    int fileUpperBound() const { return int(FileNames.size()) - 1; }
+    QString currentPath() const
+    {
+        return CurrentFolder.endsWith(QLatin1Char('/')) ? CurrentFolder + CurrentFileName
+                                                        : CurrentFolder + QLatin1Char('/') + CurrentFileName;
+    }
+};

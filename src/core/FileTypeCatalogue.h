@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// The fixed table of supported file types: the type filter list, the filter
+// codes, admission of a name under a filter and the media class of a file.
+namespace FileTypeCatalogue {
+
+enum class MediaClass { Picture, Movie, Slides };
+
+// Extension as the listing and the display see it: from the last four
+// characters, upper-cased ("a.jpeg" -> "JPEG", "photoJPEG" -> "JPEG").
+QString extensionOf(const QString &fileName);
+
+// The three group pattern lists as stored (lower case, "|" at both ends).
+extern const QString AllSupportedPatterns;
+extern const QString ImagePatterns;
+extern const QString MoviePatterns;
+
+struct GroupLabels {
+    QString allSupported = QStringLiteral("All Supported");
+    QString images = QStringLiteral("Image Files");
+    QString movies = QStringLiteral("Movies, Stream Media");
+    QString allFiles = QStringLiteral("All Files");
+};
+
+// Group item text: label, fixed blanks, code, upper-cased pattern list.
+QString allSupportedItem(const QString &label);
+QString imagesItem(const QString &label);
+QString moviesItem(const QString &label);
+
+// The 19 CboType items in list order.
+QStringList typeFilterItems(const GroupLabels &labels);
+
+// The description|pattern list for the open/save dialog.
+QString openFileFilter(const GroupLabels &labels);
+
+// The filter code read back from a CboType item text ("" when none matches).
+QString filterCodeOfItem(const QString &itemText);
+
+// Whether a file name passes the filter. Group codes are tested against
+// the selected item text, which carries the pattern list.
+bool admits(const QString &fileName, const QString &filterCode, const QString &itemText);
+
+// The enumeration pattern for a filter: "*.BMP" for the one-extension codes,
+// "*.*" for the rest (names are then tested one by one).
+QString enumerationPattern(const QString &filterCode);
+
+// "JPEG" -> "JPG", "MOV" -> "QT", "LSX" -> "ASF", ...; others unchanged.
+QString normalisedTypeCode(const QString &extension);
+MediaClass mediaClassOf(const QString &typeCode);
+
+} // namespace FileTypeCatalogue

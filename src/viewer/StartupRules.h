@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+// Start-up decisions of the main window, free of widgets.
+namespace StartupRules {
+
+struct CommandLineFile {
+    QString folder; // text before the last separator ("/" for a file in the root)
+    QString name;   // text after it
+};
+
+// The command line is one path, taken whole: no quotes removed, no options.
+CommandLineFile splitCommandLine(const QString &commandLine);
+
+// The folder a start without a command line opens: the stored one, unless
+// none is stored or it lies on an optical drive or a network mount.
+QString startFolder(const QString &storedFolder, const QString &programFolder, bool onOpticalDrive,
+                    bool onNetwork);
+
+// The program folder without its trailing separator (the root stays "/").
+QString withoutTrailingSlash(const QString &folder);
+
+int slideSecondsFromStore(int stored); // at least 1
+
+} // namespace StartupRules

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+
+// The main window's layout is kept in twips (1/1440 inch), as its rules are
+// written; widgets convert at their boundary.
+namespace ViewGeometry {
+
+constexpr double DisplayTop = 2850;      // top of the display area
+constexpr double BottomReserve = 710;    // below the display area
+constexpr double SideReserve = 200;
+constexpr double MinWindowHeight = 3500;
+constexpr double MinWindowWidth = 5870;
+constexpr double StatusBarOffset = 690;  // status row top = height - this
+constexpr double StatusBarHeight = 690;
+constexpr double Frame1Width = 5800;     // the browser frame, centred when it fits
+constexpr double Frame1Height = 2760;
+
+// Twips per pixel from the logical DPI: 15 at 96 DPI.
+struct Twips {
+    double perPixelX = 15;
+    double perPixelY = 15;
+
+    static Twips forDpi(double dpiX, double dpiY) { return {1440.0 / dpiX, 1440.0 / dpiY}; }
+
+    int toPixelsX(double twips) const { return int(twips / perPixelX + (twips >= 0 ? 0.5 : -0.5)); }
+    int toPixelsY(double twips) const { return int(twips / perPixelY + (twips >= 0 ? 0.5 : -0.5)); }
+    double fromPixelsX(int pixels) const { return pixels * perPixelX; }
+    double fromPixelsY(int pixels) const { return pixels * perPixelY; }
+    QRect toPixels(double left, double top, double width, double height) const
+    {
+        return {toPixelsX(left), toPixelsY(top), toPixelsX(width), toPixelsY(height)};
+    }
+};
+
+// Frame1's left edge: centred (a little to the left) when the window is
+// wider than its minimum, else at 0.
+inline double frame1Left(double windowWidth)
+{
+    return windowWidth > MinWindowWidth ? (windowWidth - Frame1Width) / 2 - 50 : 0;
+}
+
+} // namespace ViewGeometry

@@ -1,0 +1,186 @@
+#pragma once
+
+#include "viewer/ViewGeometry.h"
+
+#include <QWidget>
+
+#include <array>
+
+struct AppState;
+class Launcher;
+class MoviePlayer;
+class PictureView;
+class Prompts;
+class QAction;
+class QCheckBox;
+class QComboBox;
+class QFileSystemModel;
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QPushButton;
+class QRadioButton;
+class QScrollBar;
+class QTimer;
+class QToolButton;
+class QTreeView;
+
+// The main window: folder browser on top, the display area, the status row.
+// The handlers keep the names under which their behaviour is described;
+// the rules they apply live in plain functions beside this file.
+class frmMain : public QWidget {
+    Q_OBJECT
+public:
+    frmMain(AppState &state, Prompts &prompts, Launcher &launcher, QWidget *parent = nullptr);
+    ~frmMain() override;
+
+    // Start-up; the command line is one file path or empty.
+    void Form_Load(const QString &commandLine);
+    void Form_Unload();
+
+    // Shows a file: moves through the list (empty name), or by name, or by
+    // full path; startPosition is where a movie starts, in seconds.
+    void Mostra_Image(bool backward, const QString &name, bool nameIsFullPath = false, double startPosition = 0);
+
+    void ApplyLanguage(); // captions and tooltips of the current language
+    ViewGeometry::Twips twips() const { return m_twips; }
+
+    // Top tool area.
+    QFrame *FraFondoTop;
+    QFrame *Frame1;
+    QComboBox *Drive1;
+    QTreeView *Dir1;
+    QComboBox *CboURL;
+    QComboBox *CboType;
+    QToolButton *cmdUp;
+    QToolButton *cmdRefr;
+    QToolButton *cmdClear;
+    QToolButton *cmdBack;
+    QToolButton *cmdNext;
+    QToolButton *cmdExpand;
+    QToolButton *cmdReduce;
+    QToolButton *cmdRitaglia;
+    QToolButton *cmdIndex;
+    QToolButton *cmdSave;
+    QToolButton *cmdClip;
+    QToolButton *cmdPrint;
+    QToolButton *cmdGrab;
+    QToolButton *cmdAdd;
+    QToolButton *cmdList;
+    QToolButton *cmdLink;
+    QToolButton *cmdHelp;
+    QPushButton *cmdAbout;
+    QPushButton *cmdTrucco; // invisible; takes the keyboard focus
+    QCheckBox *ChkCicle;
+    QCheckBox *ChkAuto;
+    QCheckBox *chkAnim;
+    QScrollBar *HScroll1;
+    QLineEdit *txtTime;
+    std::array<QRadioButton *, 2> Option1;
+
+    // Display area.
+    QWidget *ImgWall;
+    PictureView *ImgEgg;
+    QLabel *WebBrowser1;
+    MoviePlayer *MediaPlayer1;
+    std::array<QFrame *, 4> SelLines; // anchor H, moving H, anchor V, moving V
+    QLabel *LabMis;
+
+    // Status row.
+    QFrame *FraFondoBot;
+    QLabel *LabNum;
+    QLabel *LabFil;
+    QLabel *ImgTyp;
+    QLabel *LabSiz;
+    QLabel *LabPix;
+    QLabel *LabZoom;
+
+    QTimer *TimerImage;
+
+    // Menus.
+    QMenu *SFPOPUP;
+    QMenu *SFCrop;
+    QMenu *DIRPOPUP;
+    QMenu *mnuZoom;
+    QAction *mnuPlay, *mnuStop, *mnuSepp, *mnuGrab, *mnuAnim, *mnuSepGif, *mnuFullScreen;
+    QAction *mnuSave, *mnuPrint, *mnuClipboard, *mnusepX, *mnuWall, *mnuRemoveWall, *mnuMove;
+    QAction *mnusep, *mnuGlobal, *mnusep99, *SFRename, *SFDelete, *SFInfo, *mnusepw;
+    QAction *mnufit, *mnuFull, *mnuAdd, *mnuRemove, *mnuShellOpen, *mnuShellEdit;
+    QAction *mnuCropSave, *mnuCropClip, *mnuCropPrint, *mnuDirOpen, *mnuDirExpl;
+    std::array<QAction *, 12> mnuZoomItems; // 10 % ... 800 %
+
+    // Folder browser handlers.
+    void Carica_ListaImages(const QString &name);
+    void Carica_URL();
+    void Inserisci_URL(const QString &folder);
+    void CboType_Click();
+    void Dir1_Change();
+    void Drive1_Change();
+    void CboURL_Click();
+    void CboURL_Change();
+    void cmdUp_Click();
+    void cmdRefr_Click();
+    void cmdClear_Click();
+    void setDir1Path(const QString &folder); // raises Dir1_Change unless BrowserReady is false
+    QString dir1Path() const;
+
+    // Navigation.
+    void cmdNext_Click();
+    void cmdBack_Click();
+    void ChkCicle_Click();
+    void ChkAuto_Click();
+    void HScroll1_Change();
+    void TimerImage_Timer();
+
+    void ClearCropSelection();
+
+signals:
+    void fileShown(const QString &path);
+    void listLoaded();
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void buildControls();
+    void buildMenus();
+    void connectHandlers();
+    void layoutFrame1();
+    void Form_Resize();
+    void layoutStatusRow();
+    void SaveUserSettings();
+    void fillTypeFilterList();
+    void fillDrives();
+    void setCommandButtonsEnabled(bool on);
+    void hideStatusLabels();
+    void showStatusLabels();
+    void clearDisplay();
+    void stopSlideTimer();
+    void restartSlideTimerIfOn();
+    bool driveReady(const QString &folder);
+    bool driveNotReady(const QString &folder, bool readError);
+    void showPicture(const QString &path);
+    void showMovie(const QString &path, double startPosition);
+    void fitOrActualSize();
+    void Centra_Image(QWidget *target);
+    void setWaitCursor(bool on);
+
+    AppState &m_state;
+    Prompts &m_prompts;
+    Launcher &m_launcher;
+    ViewGeometry::Twips m_twips;
+    QFileSystemModel *m_folderModel;
+
+    QString m_lastTypeText;
+    QString m_pendingFileName;     // from a drop, shown by the next list load
+    bool m_fromHistory = false;     // the folder change came from the path box
+    bool m_completionRunning = false;
+    qsizetype m_lastTypedLength = 0;
+    bool m_unloaded = false;
+    double m_fitPercent = 100;
+    int m_listGeneration = 0;       // a new list load cancels the running one
+    qint64 m_slidesLaunchPid = 0;
+};

@@ -1,0 +1,50 @@
+#include "support/FakeSeams.h"
+
+PromptAnswer ScriptedPrompts::ask(const PromptMessage &message)
+{
+    asked.append(message);
+    if (!answers.isEmpty())
+        return answers.takeFirst();
+    return message.buttons == PromptButtons::YesNo ? PromptAnswer::No
+         : message.buttons == PromptButtons::Ok    ? PromptAnswer::Ok
+                                                   : PromptAnswer::Cancel;
+}
+
+QString ScriptedPrompts::chooseLanguage(const QString &)
+{
+    ++languageQuestions;
+    return languages.isEmpty() ? QString() : languages.takeFirst();
+}
+
+QString ScriptedPrompts::chooseFolder(const QString &, const QString &)
+{
+    return folders.isEmpty() ? QString() : folders.takeFirst();
+}
+
+LaunchResult RecordingLauncher::start(const QString &program, const QStringList &arguments)
+{
+    started.append({program, arguments});
+    return {true, 0};
+}
+
+QString MemorySettingsStore::read(const QString &section, const QString &key, const QString &defaultValue) const
+{
+    const auto s = sections.find(section);
+    if (s == sections.end() || !s->contains(key))
+        return defaultValue;
+    return s->value(key);
+}
+
+void MemorySettingsStore::write(const QString &section, const QString &key, const QString &value)
+{
+    sections[section][key] = value;
+    writeLog.append(section + QLatin1Char('/') + key + QLatin1Char('=') + value);
+}
+
+void MemorySettingsStore::deleteKey(const QString &section, const QString &key)
+{
+    if (sections.contains(section))
+        sections[section].remove(key);
+}
+
+void MemorySettingsStore::deleteSection(const QString &section) { sections.remove(section); }

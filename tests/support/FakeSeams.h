@@ -1,0 +1,44 @@
+#pragma once
+
+#include "core/SettingsStore.h"
+#include "platform/Launcher.h"
+#include "platform/Prompts.h"
+
+#include <QList>
+#include <QMap>
+#include <QPair>
+#include <QStringList>
+
+// Prompts that answer from a script and remember what they were asked.
+class ScriptedPrompts : public Prompts {
+public:
+    QList<PromptAnswer> answers;   // taken in order; Cancel/No when empty
+    QStringList languages;         // answers of the language chooser
+    QStringList folders;           // answers of the folder chooser
+    QList<PromptMessage> asked;
+    int languageQuestions = 0;
+
+    PromptAnswer ask(const PromptMessage &message) override;
+    QString chooseLanguage(const QString &currentCode) override;
+    QString chooseFolder(const QString &title, const QString &startFolder) override;
+};
+
+// A launcher that starts nothing and records what it was asked to start.
+class RecordingLauncher : public Launcher {
+public:
+    QList<QPair<QString, QStringList>> started;
+    LaunchResult start(const QString &program, const QStringList &arguments) override;
+    bool isRunning(qint64) const override { return false; }
+};
+
+// A settings store in memory that logs every write, for checking order.
+class MemorySettingsStore : public SettingsStore {
+public:
+    QMap<QString, QMap<QString, QString>> sections;
+    QStringList writeLog; // "section/key=value"
+
+    QString read(const QString &section, const QString &key, const QString &defaultValue = {}) const override;
+    void write(const QString &section, const QString &key, const QString &value) override;
+    void deleteKey(const QString &section, const QString &key) override;
+    void deleteSection(const QString &section) override;
+};
