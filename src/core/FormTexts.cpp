@@ -70,6 +70,17 @@ const QList<Entry> MainTooltips{
     {"cmdRefr", 10203, "Refresh"},
 };
 
+// Controls that have neither caption nor tooltip still need a name that a
+// screen reader can say.
+const QList<Entry> MainAccessibleNames{
+    {"Drive1", 20001, "Drives"},
+    {"Dir1", 20002, "Folders"},
+    {"HScroll1", 20003, "Slideshow interval"},
+    {"chkAnim", 20004, "Animate GIF pictures"},
+    {"ImgEgg", 20005, "Picture"},
+    {"MediaPlayer1", 20006, "Movie"},
+};
+
 const QList<Entry> FullCaptions{
     {"mnuNormal", 703, "Restore"},
     {"mnuShellOpen", 10134, "Shell Open"},
@@ -221,6 +232,11 @@ void ApplyCaptions(QWidget *form, const MessageCatalogue &messages)
     for (const Entry &entry : captionsOf(form->objectName()))
         if (QObject *control = findControl(form, entry.control))
             setCaption(control, form, messages.GetMsg(entry.number, QString::fromUtf8(entry.defaultText)));
+    if (form->objectName() != u"frmMain")
+        return;
+    for (const Entry &entry : MainAccessibleNames)
+        if (auto *control = form->findChild<QWidget *>(QLatin1String(entry.control)))
+            control->setAccessibleName(messages.GetMsg(entry.number, QString::fromUtf8(entry.defaultText)));
 }
 
 void ApplyTooltips(QWidget *form, const MessageCatalogue &messages, bool on)
