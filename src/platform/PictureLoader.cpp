@@ -1,0 +1,502 @@
+#include "platform/PictureLoader.h"
+
+#include "platform/EmfRenderer.h"
+#include "platform/RleBitmapDecoder.h"
+#include "platform/WmfRenderer.h"
+
+#include <QBuffer>
+#include <QDataStream>
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QImageReader>
+#include <QtConcurrent>
+#include <QtEndian>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace PictureLoader {
+namespace {
+
+constexpr qint64 LargestWholeFile = 256LL * 1024 * 1024; // RLE bitmaps, icons and metafiles are read whole
+constexpr int LargestIconSide = 4096; // PNG icons claiming more are forged
+constexpr int LargestDibIconSide = 256; // the ICO format's own limit
+constexpr qsizetype SniffedBytes = 256;
+constexpr qint64 ChildAddressSpace = 2LL * 1024 * 1024 * 1024; // on top of what the child inherits
+
+enum class Decoder { Qt, RleBitmap, Icon, Wmf, Emf };
+
+quint16 u16At(const QByteArray &bytes, qsizetype at)
+{
+    return qFromLittleEndian<quint16>(bytes.constData() + at);
+}
+
+quint32 u32At(const QByteArray &bytes, qsizetype at)
+{
+    return qFromLittleEndian<quint32>(bytes.constData() + at);
+}
+
+bool hasIconName(const QString &path)
+{
+    return path.endsWith(QLatin1String(".ico"), Qt::CaseInsensitive)
+        || path.endsWith(QLatin1String(".cur"), Qt::CaseInsensitive);
+}
+
+// Icon directories have no magic number. Under another name the first entry
+// must be plausible too, so that no other file is taken for an icon.
+bool looksLikeIconDirectory(const QByteArray &head, const QString &path)
+{
+    if (head.size() < 6 || u16At(head, 0) != 0 || (u16At(head, 2) != 1 && u16At(head, 2) != 2))
+        return false;
+    if (hasIconName(path))
+        return true;
+    const int count = u16At(head, 4);
+    return head.size() >= 22 && count >= 1 && head[9] == 0 && u32At(head, 18) >= quint32(6 + 16 * count);
+}
+
+Decoder decoderFor(const QByteArray &head, const QString &path)
+{
+    if (RleBitmapDecoder::isRleBitmap(head))
+        return Decoder::RleBitmap;
+    if (EmfRenderer::isEmf(head))
+        return Decoder::Emf;
+    if (WmfRenderer::isWmf(head))
+        return Decoder::Wmf;
+    if (looksLikeIconDirectory(head, path))
+        return Decoder::Icon;
+    return Decoder::Qt;
+}
+
+void allowLargePictures()
+{
+    // Qt refuses pictures past 128 MB by default; a 50-megapixel photo is
+    // 200 MB. Headers past MaxPixels are refused before Qt allocates.
+    static std::once_flag once;
+    std::call_once(once, [] {
+        constexpr int Megabytes = int(MaxPixels * 4 / (1024 * 1024));
+        if (QImageReader::allocationLimit() != 0 && QImageReader::allocationLimit() < Megabytes)
+            QImageReader::setAllocationLimit(Megabytes);
+    });
+}
+
+QSize fittedSize(const QSize &natural, const QSize &bound)
+{
+    if (!bound.isValid() || (natural.width() <= bound.width() && natural.height() <= bound.height()))
+        return natural;
+    return natural.scaled(bound, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+}
+
+Picture fittedPicture(const QImage &image, const Options &options)
+{
+    if (image.isNull())
+        return {};
+    const QSize size = fittedSize(image.size(), options.fitInto);
+    return {size == image.size() ? image : image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
+            image.size()};
+}
+
+// --- Qt's readers: BMP, JPEG, GIF, and PNG in disguise -------------------
+
+bool hasV2OrV3InfoHeader(const QByteArray &head)
+{
+    return head.size() >= 18 && head.startsWith("BM") && (u32At(head, 14) == 52 || u32At(head, 14) == 56);
+}
+
+// Qt reads no BITMAPV2/V3INFOHEADER (52 and 56 bytes: the basic header and
+// the colour masks). Padded to a V4 header, whose start is the same, it does.
+QByteArray withV4InfoHeader(const QByteArray &file)
+{
+    constexpr quint32 V4Size = 108;
+    const quint32 size = u32At(file, 14);
+    QByteArray padded = file.left(14 + size) + QByteArray(V4Size - size, '\0') + file.mid(14 + size);
+    qToLittleEndian<quint32>(V4Size, padded.data() + 14);
+    qToLittleEndian<quint32>(u32At(file, 10) + V4Size - size, padded.data() + 10);
+    qToLittleEndian<quint32>(u32At(file, 2) + V4Size - size, padded.data() + 2);
+    return padded;
+}
+
+// Runs `use` on what Qt should read: the file, or a repaired copy of it.
+template <typename Use>
+auto withQtReadable(QFile &file, const QByteArray &head, Use use)
+{
+    if (!hasV2OrV3InfoHeader(head) || file.size() > LargestWholeFile)
+        return use(&file);
+    QBuffer repaired;
+    repaired.setData(withV4InfoHeader(file.readAll()));
+    repaired.open(QIODevice::ReadOnly);
+    return use(&repaired);
+}
+
+// Qt's reader set up to decide by content and to turn JPEGs upright; false
+// when the content is not a format of ours.
+bool prepareReader(QImageReader &reader)
+{
+    allowLargePictures();
+    reader.setDecideFormatFromContent(true);
+    reader.setAutoTransform(true);
+    // The other formats Qt knows are not pictures of this viewer, and some
+    // (TGA) claim almost any file.
+    const QByteArray format = reader.format();
+    return format == "bmp" || format == "jpeg" || format == "gif" || format == "png";
+}
+
+QSize naturalSizeOf(QImageReader &reader)
+{
+    const QSize stored = reader.size();
+    return (reader.transformation() & QImageIOHandler::TransformationRotate90) ? stored.transposed() : stored;
+}
+
+Picture loadWithQt(QIODevice *device, const Options &options)
+{
+    QImageReader reader(device);
+    if (!prepareReader(reader))
+        return {};
+    const QSize natural = naturalSizeOf(reader);
+    if (natural.isValid() && qint64(natural.width()) * natural.height() > MaxPixels)
+        return {};
+    const QSize target = fittedSize(natural, options.fitInto);
+    const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;
+    if (natural.isValid() && target != natural)
+        reader.setScaledSize(turned ? target.transposed() : target);
+    const QImage image = reader.read();
+    if (image.isNull())
+        return {};
+    return natural.isValid() ? Picture{image, natural} : fittedPicture(image, options);
+}
+
+QSize naturalSizeWithQt(QIODevice *device)
+{
+    QImageReader reader(device);
+    return prepareReader(reader) ? naturalSizeOf(reader) : QSize();
+}
+
+// --- ICO and CUR: the largest image, parsed here because Qt reads no cursors
+
+struct IconEntry {
+    QSize size;
+    int bits = 0;
+    qsizetype offset = 0;
+    bool png = false;
+};
+
+// The directory's entries that can hold a picture, largest first (then the
+// deepest colour, then the first listed). Sizes come from the images
+// themselves, which directories sometimes misstate.
+std::vector<IconEntry> iconEntries(const QByteArray &file)
+{
+    std::vector<IconEntry> entries;
+    const int count = file.size() >= 6 ? u16At(file, 4) : 0;
+    for (int i = 0; i < count && 6 + 16 * (i + 1) <= file.size(); ++i) {
+        IconEntry entry;
+        entry.offset = u32At(file, 6 + 16 * i + 12);
+        if (entry.offset < 6 || entry.offset + 24 > file.size())
+            continue;
+        entry.png = file.mid(entry.offset, 8) == QByteArray("\x89PNG\r\n\x1a\n", 8);
+        if (entry.png) {
+            const qint64 width = qFromBigEndian<quint32>(file.constData() + entry.offset + 16);
+            const qint64 height = qFromBigEndian<quint32>(file.constData() + entry.offset + 20);
+            if (width < 1 || height < 1 || width > LargestIconSide || height > LargestIconSide)
+                continue;
+            entry.size = QSize(int(width), int(height));
+            entry.bits = 32;
+        } else {
+            const quint32 headerSize = u32At(file, entry.offset);
+            const qint32 width = qint32(u32At(file, entry.offset + 4));
+            const qint32 height = qint32(u32At(file, entry.offset + 8)) / 2; // picture and mask
+            entry.bits = u16At(file, entry.offset + 14);
+            if (headerSize < 40 || width < 1 || height < 1 || width > LargestDibIconSide
+                || height > LargestDibIconSide || entry.bits < 1 || entry.bits > 32)
+                continue;
+            entry.size = QSize(width, height);
+            // A length that could hold a header but not the picture means a
+            // damaged entry; one too short for even a header is no length.
+            const quint32 colours = u32At(file, entry.offset + 32);
+            const qint64 palette = entry.bits <= 8 ? 4 * qint64(colours ? colours : 1u << entry.bits) : 0;
+            const qint64 rows = (qint64(width) * entry.bits + 31) / 32 * 4 * height;
+            const qint64 mask = entry.bits == 32 ? 0 : (qint64(width) + 31) / 32 * 4 * height;
+            const quint32 declared = u32At(file, 6 + 16 * i + 8);
+            if (declared >= 40 && declared < headerSize + palette + rows + mask)
+                continue;
+        }
+        // The directory's size (0 for 256) must be the picture's own.
+        const int listedWidth = uchar(file[6 + 16 * i]) ? uchar(file[6 + 16 * i]) : 256;
+        const int listedHeight = uchar(file[6 + 16 * i + 1]) ? uchar(file[6 + 16 * i + 1]) : 256;
+        if (entry.size != QSize(listedWidth, listedHeight))
+            continue;
+        entries.push_back(entry);
+    }
+    std::stable_sort(entries.begin(), entries.end(), [](const IconEntry &a, const IconEntry &b) {
+        const qint64 areaA = qint64(a.size.width()) * a.size.height();
+        const qint64 areaB = qint64(b.size.width()) * b.size.height();
+        return areaA != areaB ? areaA > areaB : a.bits > b.bits;
+    });
+    return entries;
+}
+
+// Qt's icon reader gets a one-entry icon (type 1) with the entry's true
+// size and depth, so cursors and odd directories read too.
+QImage decodeIconEntry(const QByteArray &file, const IconEntry &entry)
+{
+    const QByteArray data = file.mid(entry.offset);
+    if (entry.png)
+        return QImage::fromData(data, "PNG");
+    QByteArray single(22, '\0');
+    single[2] = 1;
+    single[4] = 1;
+    single[6] = char(entry.size.width() & 0xff); // 256 is written as 0
+    single[7] = char(entry.size.height() & 0xff);
+    single[10] = 1;
+    qToLittleEndian<quint16>(quint16(entry.bits), single.data() + 12);
+    qToLittleEndian<quint32>(quint32(data.size()), single.data() + 14);
+    qToLittleEndian<quint32>(22, single.data() + 18);
+    return QImage::fromData(single + data, "ICO");
+}
+
+QImage loadIcon(const QByteArray &file)
+{
+    for (const IconEntry &entry : iconEntries(file)) {
+        const QImage image = decodeIconEntry(file, entry);
+        if (!image.isNull())
+            return image;
+    }
+    return {};
+}
+
+// --- Metafiles, parsed in a child process --------------------------------
+//
+// libwmf and libemf2svg are C parsers that loop or crash on some hostile
+// files, and a thread stuck inside a parser cannot be stopped. A fork()ed
+// child parses the file and sends back what it made (painter commands or
+// SVG) through a pipe; the parent kills it when the time limit passes, so a
+// bad file costs at most that time and never the program. The child must
+// not rasterise: Qt spreads large fills over thread pools whose threads do
+// not exist in a forked child, so the parent paints.
+
+constexpr qint64 LargestPayload = 512LL * 1024 * 1024;
+
+bool writeAll(int fd, const char *data, qint64 length)
+{
+    while (length > 0) {
+        const ssize_t written = ::write(fd, data, size_t(length));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        data += written;
+        length -= written;
+    }
+    return true;
+}
+
+bool readAll(int fd, char *into, qint64 length, const QDeadlineTimer &deadline)
+{
+    while (length > 0) {
+        pollfd readable{fd, POLLIN, 0};
+        const int ready = ::poll(&readable, 1, int(qMax<qint64>(0, deadline.remainingTime())));
+        if (ready < 0 && errno == EINTR)
+            continue;
+        if (ready <= 0)
+            return false; // failed or out of time
+        const ssize_t got = ::read(fd, into, size_t(length));
+        if (got < 0 && (errno == EINTR || errno == EAGAIN))
+            continue;
+        if (got <= 0)
+            return false; // the child ended without an answer
+        into += got;
+        length -= got;
+    }
+    return true;
+}
+
+[[noreturn]] void runChild(const std::function<QByteArray()> &job, int fd, int timeLimitMs)
+{
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    const rlimit noCoreFiles{0, 0};
+    ::setrlimit(RLIMIT_CORE, &noCoreFiles);
+    if (FILE *statm = std::fopen("/proc/self/statm", "r")) {
+        unsigned long pages = 0;
+        if (std::fscanf(statm, "%lu", &pages) == 1) {
+            const rlim_t limit = rlim_t(pages) * rlim_t(::sysconf(_SC_PAGESIZE)) + rlim_t(ChildAddressSpace);
+            const rlimit addressSpace{limit, limit};
+            ::setrlimit(RLIMIT_AS, &addressSpace);
+        }
+        std::fclose(statm);
+    }
+    ::signal(SIGALRM, SIG_DFL);
+    ::alarm(unsigned(timeLimitMs / 1000 + 2)); // a backstop should the parent be gone
+    const int quiet = ::open("/dev/null", O_WRONLY);
+    if (quiet >= 0)
+        ::dup2(quiet, STDERR_FILENO); // the parsers complain about every broken file
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+
+    QByteArray answer;
+    try {
+        answer = job();
+    } catch (...) {
+        ::_exit(1);
+    }
+    const quint64 length = quint64(answer.size());
+    const bool sent = writeAll(fd, reinterpret_cast<const char *>(&length), sizeof length)
+        && writeAll(fd, answer.constData(), answer.size());
+    ::_exit(sent ? 0 : 1);
+}
+
+// The job's answer, or nothing when the child failed, crashed or overran.
+std::optional<QByteArray> runInChildProcess(const std::function<QByteArray()> &job, int timeLimitMs)
+{
+    // Font setup is slow; done once here, every child inherits it.
+    static std::once_flag fontsReady;
+    std::call_once(fontsReady, [] {
+        if (qGuiApp)
+            QFontDatabase::families();
+    });
+    int pipeEnds[2];
+    if (::pipe2(pipeEnds, O_CLOEXEC) != 0)
+        return std::nullopt;
+    const QDeadlineTimer deadline(timeLimitMs);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::close(pipeEnds[0]);
+        runChild(job, pipeEnds[1], timeLimitMs);
+    }
+    ::close(pipeEnds[1]);
+    std::optional<QByteArray> answer;
+    quint64 length = 0;
+    if (child > 0 && readAll(pipeEnds[0], reinterpret_cast<char *>(&length), sizeof length, deadline)
+        && length <= quint64(LargestPayload)) {
+        QByteArray bytes(qsizetype(length), Qt::Uninitialized);
+        if (readAll(pipeEnds[0], bytes.data(), bytes.size(), deadline))
+            answer = bytes;
+    }
+    ::close(pipeEnds[0]);
+    if (child > 0) {
+        ::kill(child, SIGKILL); // harmless once it has exited: it stays ours until reaped
+        while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+        }
+    }
+    return answer;
+}
+
+QSize metafileBound(const Options &options)
+{
+    const QSize largest(MaxMetafileSide, MaxMetafileSide);
+    return options.fitInto.isValid() ? options.fitInto.boundedTo(largest).expandedTo(QSize(1, 1)) : largest;
+}
+
+Picture loadWmf(const QByteArray &file, const Options &options)
+{
+    const QSize bound = metafileBound(options);
+    const auto answer = runInChildProcess(
+        [&] {
+            const WmfRenderer::Recording recording = WmfRenderer::record(file, bound, options.metafileTimeLimitMs);
+            QByteArray bytes;
+            QDataStream stream(&bytes, QIODevice::WriteOnly);
+            if (!recording.isNull())
+                stream << recording.naturalSize << recording.size << recording.commands;
+            return bytes;
+        },
+        options.metafileTimeLimitMs);
+    if (!answer || answer->isEmpty())
+        return {};
+    WmfRenderer::Recording recording;
+    QDataStream stream(*answer);
+    stream >> recording.naturalSize >> recording.size >> recording.commands;
+    // What the child says is checked like the file itself.
+    if (stream.status() != QDataStream::Ok || recording.size.width() > bound.width()
+        || recording.size.height() > bound.height())
+        return {};
+    const QImage image = WmfRenderer::paint(recording);
+    return image.isNull() ? Picture{} : Picture{image, recording.naturalSize};
+}
+
+Picture loadEmf(const QByteArray &file, const Options &options)
+{
+    const auto answer = runInChildProcess(
+        [&] {
+            const EmfRenderer::Conversion conversion = EmfRenderer::convert(file);
+            QByteArray bytes;
+            QDataStream stream(&bytes, QIODevice::WriteOnly);
+            if (!conversion.isNull())
+                stream << conversion.naturalSize << conversion.viewBox << conversion.svg;
+            return bytes;
+        },
+        options.metafileTimeLimitMs);
+    if (!answer || answer->isEmpty())
+        return {};
+    EmfRenderer::Conversion conversion;
+    QDataStream stream(*answer);
+    stream >> conversion.naturalSize >> conversion.viewBox >> conversion.svg;
+    if (stream.status() != QDataStream::Ok)
+        return {};
+    const QImage image = EmfRenderer::paint(conversion, metafileBound(options));
+    return image.isNull() ? Picture{} : Picture{image, conversion.naturalSize};
+}
+
+} // namespace
+
+Picture load(const QString &path, const Options &options)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray head = file.peek(SniffedBytes);
+    const Decoder decoder = decoderFor(head, path);
+    if (decoder == Decoder::Qt)
+        return withQtReadable(file, head, [&](QIODevice *device) { return loadWithQt(device, options); });
+    if (file.size() > LargestWholeFile)
+        return {};
+    const QByteArray bytes = file.readAll();
+    switch (decoder) {
+    case Decoder::RleBitmap: return fittedPicture(RleBitmapDecoder::decode(bytes, MaxPixels), options);
+    case Decoder::Icon: return fittedPicture(loadIcon(bytes), options);
+    case Decoder::Wmf: return loadWmf(bytes, options);
+    case Decoder::Emf: return loadEmf(bytes, options);
+    case Decoder::Qt: break;
+    }
+    return {};
+}
+
+QFuture<Picture> loadAsync(const QString &path, const Options &options)
+{
+    return QtConcurrent::run([path, options] { return load(path, options); });
+}
+
+QSize readNaturalSize(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray head = file.peek(SniffedBytes);
+    switch (decoderFor(head, path)) {
+    case Decoder::Qt: return withQtReadable(file, head, naturalSizeWithQt);
+    case Decoder::RleBitmap:
+        return file.size() <= LargestWholeFile ? RleBitmapDecoder::sizeOf(file.readAll()) : QSize();
+    case Decoder::Emf: return EmfRenderer::naturalSizeOf(head);
+    case Decoder::Wmf:
+        if (const QSize placeable = WmfRenderer::naturalSizeOf(head); placeable.isValid())
+            return placeable;
+        break; // a standard WMF's size is known only after scanning its records
+    case Decoder::Icon: break;
+    }
+    file.close();
+    Options tiny;
+    tiny.fitInto = QSize(1, 1);
+    return load(path, tiny).naturalSize;
+}
+
+} // namespace PictureLoader

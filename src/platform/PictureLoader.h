@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QFuture>
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+// Loads the viewer's pictures: BMP (RLE ones by RleBitmapDecoder), JPEG with
+// its EXIF orientation, GIF (first frame), ICO and CUR (largest image), WMF
+// and EMF. The decoder is chosen by the content; the extension only breaks
+// ties. A file that does not decode gives a null picture and no message.
+namespace PictureLoader {
+
+// Larger pictures are refused before any pixel is allocated: 256 megapixels
+// are a gigabyte as ARGB.
+constexpr qint64 MaxPixels = 256LL * 1024 * 1024;
+// Metafiles are drawn no larger than this on their long side.
+constexpr int MaxMetafileSide = 8192;
+
+struct Options {
+    // When valid and smaller than the picture, the picture is decoded or
+    // drawn to fit inside it, keeping its proportions; JPEG then decodes at
+    // a reduced scale. Never enlarged.
+    QSize fitInto;
+    // Metafiles that take longer to draw count as broken.
+    int metafileTimeLimitMs = 5000;
+};
+
+struct Picture {
+    // Null when the file does not decode. Smaller than naturalSize when
+    // fitted into Options::fitInto, or for a metafile past MaxMetafileSide.
+    QImage image;
+    QSize naturalSize; // at 100 %, after EXIF orientation; metafiles at 96 DPI
+    bool isNull() const { return image.isNull(); }
+};
+
+Picture load(const QString &path, const Options &options = {});
+
+// load() on a worker thread, for callers that must not wait.
+QFuture<Picture> loadAsync(const QString &path, const Options &options = {});
+
+// The natural size, reading as little as the format allows (the header for
+// most); invalid when the file does not decode.
+QSize readNaturalSize(const QString &path);
+
+} // namespace PictureLoader
