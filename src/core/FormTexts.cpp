@@ -79,6 +79,9 @@ const QList<Entry> MainAccessibleNames{
     {"chkAnim", 20004, "Animate GIF pictures"},
     {"ImgEgg", 20005, "Picture"},
     {"MediaPlayer1", 20006, "Movie"},
+    {"cmdUp", 20007, "Parent folder"},
+    {"cmdExpand", 20008, "Zoom +"},
+    {"cmdReduce", 20009, "Zoom -"},
 };
 
 const QList<Entry> FullCaptions{

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "platform/Drives.h"
 #include "viewer/ViewGeometry.h"
 
 #include <QWidget>
 
 #include <array>
+#include <functional>
 
 struct AppState;
 class Launcher;
@@ -44,6 +46,8 @@ public:
     void Mostra_Image(bool backward, const QString &name, bool nameIsFullPath = false, double startPosition = 0);
 
     void ApplyLanguage(); // captions and tooltips of the current language
+    // Where the drive list comes from; tests give their own.
+    void setDriveSource(std::function<QList<Drive>()> source) { m_listDrives = std::move(source); }
     ViewGeometry::Twips twips() const { return m_twips; }
 
     // Top tool area.
@@ -111,7 +115,7 @@ public:
     std::array<QAction *, 12> mnuZoomItems; // 10 % ... 800 %
 
     // Folder browser handlers.
-    void Carica_ListaImages(const QString &name);
+    void Carica_ListaImages(QString name); // a copy: the caller often passes CurrentFileName, which the load clears
     void Carica_URL();
     void Inserisci_URL(const QString &folder);
     void CboType_Click();
@@ -134,6 +138,15 @@ public:
     void TimerImage_Timer();
 
     void ClearCropSelection();
+
+    // View geometry and zoom.
+    void cmdExpand_Click();
+    void cmdReduce_Click();
+    void mnuZoom_Click(int percent);
+    void mnufit_Click();
+    void mnuFull_Click();
+    void Option1_Click();
+    void ZoomTo(int percent);
 
 signals:
     void fileShown(const QString &path);
@@ -161,10 +174,14 @@ private:
     void stopSlideTimer();
     void restartSlideTimerIfOn();
     bool driveReady(const QString &folder);
-    bool driveNotReady(const QString &folder, bool readError);
+    void selectDriveOf(const QString &folder);
+    void setPathBoxText(const QString &text);
     void showPicture(const QString &path);
     void showMovie(const QString &path, double startPosition);
     void fitOrActualSize();
+    void chooseViewMode(int option);
+    void updateSizeTexts();
+    QSizeF windowTwips() const;
     void Centra_Image(QWidget *target);
     void setWaitCursor(bool on);
 
@@ -181,6 +198,11 @@ private:
     qsizetype m_lastTypedLength = 0;
     bool m_unloaded = false;
     double m_fitPercent = 100;
+    double m_zoomPercent = 0;      // 0: the mode of Option1 applies
+    bool m_modeClickLive = true;
+    double m_savedMoviePosition = 0;
+    QString m_fileSizeDisplay;
     int m_listGeneration = 0;       // a new list load cancels the running one
     qint64 m_slidesLaunchPid = 0;
+    std::function<QList<Drive>()> m_listDrives = listDrives;
 };

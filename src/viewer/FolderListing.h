@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+// Lists the names of a folder that pass a type filter, in natural,
+// case-blind name order, skipping hidden files. It runs in steps so that
+// the window can let events run between them and drop a listing that a
+// newer folder or filter made stale.
+class FolderListing {
+public:
+    FolderListing(const QString &folder, const QString &filterCode, const QString &filterItemText);
+    ~FolderListing();
+
+    // Reads up to maxEntries more directory entries; true once the listing
+    // is complete (the names are then sorted).
+    bool step(int maxEntries);
+    bool done() const;
+
+    const QStringList &names() const { return m_names; }
+    double totalBytes() const { return m_totalBytes; }
+
+    // Runs the whole listing at once.
+    static FolderListing listAll(const QString &folder, const QString &filterCode, const QString &filterItemText);
+
+    FolderListing(FolderListing &&) noexcept;
+
+private:
+    struct Directory;
+    std::unique_ptr<Directory> m_directory;
+    QString m_filterCode;
+    QString m_itemText;
+    QString m_suffixFilter; // ".BMP" for one-extension filters, else empty
+    QStringList m_names;
+    double m_totalBytes = 0;
+    bool m_done = false;
+};
+
+// The count of files, five blanks, then their size: "3     2 K", "0     0 byte".
+QString FolderSummaryText(int count, double totalBytes);
+
+// Sorts names as a person reads them: "img2" before "img10", case-blind.
+void sortNaturally(QStringList &names);

@@ -1,0 +1,290 @@
+#include "viewer/frmMain.h"
+
+#include "core/AppState.h"
+#include "core/FormTexts.h"
+#include "core/MessageCatalogue.h"
+#include "platform/DataFolder.h"
+#include "platform/MoviePlayer.h"
+#include "viewer/PictureView.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QFileSystemModel>
+#include <QFrame>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
+#include <QScrollBar>
+#include <QTimer>
+#include <QToolButton>
+#include <QTreeView>
+
+namespace {
+
+template <typename Widget>
+Widget *named(Widget *widget, const char *name)
+{
+    widget->setObjectName(QLatin1String(name));
+    return widget;
+}
+
+QLabel *statusLabel(QWidget *parent, const char *name)
+{
+    auto *label = named(new QLabel(parent), name);
+    label->setTextInteractionFlags(Qt::NoTextInteraction);
+    label->hide();
+    return label;
+}
+
+} // namespace
+
+frmMain::frmMain(AppState &state, Prompts &prompts, Launcher &launcher, QWidget *parent)
+    : QWidget(parent), m_state(state), m_prompts(prompts), m_launcher(launcher)
+{
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowTitle(QStringLiteral(" Vimora"));
+    setAcceptDrops(true);
+    setFocusPolicy(Qt::StrongFocus);
+    const QScreen *screen = this->screen();
+    m_twips = ViewGeometry::Twips::forDpi(screen->logicalDotsPerInchX(), screen->logicalDotsPerInchY());
+    buildControls();
+    buildMenus();
+    connectHandlers();
+    resize(m_twips.toPixelsX(12000), m_twips.toPixelsY(9000));
+}
+
+frmMain::~frmMain() = default;
+
+void frmMain::buildControls()
+{
+    const QString data = m_state.ProgramFolder;
+    auto toolButton = [&](const char *name, const char *icon) {
+        auto *button = named(new QToolButton(Frame1), name);
+        button->setIcon(DataFolder::themedIcon(data, QLatin1String(icon)));
+        button->setAutoRaise(true);
+        button->setFocusPolicy(Qt::TabFocus);
+        return button;
+    };
+
+    ImgWall = named(new QWidget(this), "ImgWall");
+    ImgWall->setAutoFillBackground(true);
+    ImgWall->setBackgroundRole(QPalette::Dark);
+
+    FraFondoTop = named(new QFrame(this), "FraFondoTop");
+    FraFondoTop->setFrameShape(QFrame::NoFrame);
+    FraFondoTop->setAutoFillBackground(true);
+    Frame1 = named(new QFrame(FraFondoTop), "Frame1");
+
+    Drive1 = named(new QComboBox(Frame1), "Drive1");
+    m_folderModel = new QFileSystemModel(this);
+    m_folderModel->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot);
+    m_folderModel->setRootPath(QStringLiteral("/"));
+    Dir1 = named(new QTreeView(Frame1), "Dir1");
+    Dir1->setModel(m_folderModel);
+    for (int column = 1; column < m_folderModel->columnCount(); ++column)
+        Dir1->hideColumn(column);
+    Dir1->setHeaderHidden(true);
+    Dir1->setContextMenuPolicy(Qt::CustomContextMenu);
+
+    CboURL = named(new QComboBox(Frame1), "CboURL");
+    CboURL->setEditable(true);
+    CboURL->setInsertPolicy(QComboBox::NoInsert);
+    CboURL->setMaxCount(41);
+    CboURL->setCompleter(nullptr); // completion follows the history rules, not Qt's
+    CboType = named(new QComboBox(Frame1), "CboType");
+    cmdClear = toolButton("cmdClear", "edit-clear-history");
+    cmdUp = toolButton("cmdUp", "go-up");
+    cmdRefr = toolButton("cmdRefr", "view-refresh");
+    cmdIndex = toolButton("cmdIndex", "view-grid");
+
+    Option1[0] = named(new QRadioButton(Frame1), "Option1_0");
+    Option1[1] = named(new QRadioButton(Frame1), "Option1_1");
+    ChkCicle = named(new QCheckBox(Frame1), "ChkCicle");
+    HScroll1 = named(new QScrollBar(Qt::Horizontal, Frame1), "HScroll1");
+    HScroll1->setRange(1, 60);
+    HScroll1->setPageStep(5);
+    txtTime = named(new QLineEdit(Frame1), "txtTime");
+    txtTime->setReadOnly(true); // typing changes nothing; the scroll bar sets it
+    txtTime->setAlignment(Qt::AlignCenter);
+    ChkAuto = named(new QCheckBox(Frame1), "ChkAuto");
+    chkAnim = named(new QCheckBox(QStringLiteral("GIF"), Frame1), "chkAnim");
+
+    cmdBack = toolButton("cmdBack", "go-previous");
+    cmdNext = toolButton("cmdNext", "go-next");
+    cmdExpand = toolButton("cmdExpand", "zoom-in");
+    cmdReduce = toolButton("cmdReduce", "zoom-out");
+    cmdRitaglia = toolButton("cmdRitaglia", "transform-crop");
+    cmdSave = toolButton("cmdSave", "document-save-as");
+    cmdClip = toolButton("cmdClip", "edit-copy");
+    cmdPrint = toolButton("cmdPrint", "document-print");
+    cmdGrab = toolButton("cmdGrab", "camera-photo");
+    cmdAdd = toolButton("cmdAdd", "list-add");
+    cmdList = toolButton("cmdList", "view-list");
+    cmdLink = toolButton("cmdLink", "preferences-desktop-default-applications");
+    cmdHelp = toolButton("cmdHelp", "help-contents");
+    cmdAbout = named(new QPushButton(Frame1), "cmdAbout");
+    cmdAbout->setIcon(DataFolder::themedIcon(data, QStringLiteral("help-about")));
+    cmdTrucco = named(new QPushButton(this), "cmdTrucco");
+    cmdTrucco->setFixedSize(0, 0); // present for the focus only
+    cmdTrucco->setAccessibleName(QStringLiteral("Vimora"));
+
+    ImgEgg = named(new PictureView(this), "ImgEgg");
+    ImgEgg->hide();
+    WebBrowser1 = named(new QLabel(this), "WebBrowser1");
+    WebBrowser1->setAlignment(Qt::AlignCenter);
+    WebBrowser1->hide();
+    MediaPlayer1 = named(new MoviePlayer(this), "MediaPlayer1");
+    MediaPlayer1->hide();
+
+    static const char *lineNames[] = {"SelLineAnchorH", "SelLineMovingH", "SelLineAnchorV", "SelLineMovingV"};
+    for (int i = 0; i < 4; ++i) {
+        SelLines[i] = named(new QFrame(this), lineNames[i]);
+        SelLines[i]->setFrameShape(QFrame::Box);
+        SelLines[i]->setStyleSheet(QStringLiteral("border: 1px dashed #ff3030;"));
+        SelLines[i]->hide();
+    }
+    LabMis = statusLabel(this, "LabMis");
+    LabMis->setAutoFillBackground(true);
+
+    FraFondoBot = named(new QFrame(this), "FraFondoBot");
+    FraFondoBot->setFrameShape(QFrame::StyledPanel);
+    FraFondoBot->setAutoFillBackground(true);
+    LabNum = statusLabel(FraFondoBot, "LabNum");
+    LabFil = statusLabel(FraFondoBot, "LabFil");
+    ImgTyp = statusLabel(FraFondoBot, "ImgTyp");
+    LabSiz = statusLabel(FraFondoBot, "LabSiz");
+    LabPix = statusLabel(FraFondoBot, "LabPix");
+    LabZoom = statusLabel(FraFondoBot, "LabZoom");
+    LabFil->setIndent(24); // room for the type icon laid over its left end
+
+    TimerImage = new QTimer(this);
+    TimerImage->setObjectName(QStringLiteral("TimerImage"));
+
+    FraFondoTop->raise();
+    FraFondoBot->raise();
+    layoutFrame1();
+}
+
+void frmMain::buildMenus()
+{
+    auto action = [this](QMenu *menu, const char *name, const QString &text = {}) {
+        QAction *item = menu->addAction(text);
+        item->setObjectName(QLatin1String(name));
+        return item;
+    };
+    auto separator = [](QMenu *menu, const char *name) {
+        QAction *item = menu->addSeparator();
+        item->setObjectName(QLatin1String(name));
+        return item;
+    };
+
+    SFPOPUP = named(new QMenu(this), "SFPOPUP");
+    mnuPlay = action(SFPOPUP, "mnuPlay");
+    mnuStop = action(SFPOPUP, "mnuStop");
+    mnuSepp = separator(SFPOPUP, "mnuSepp");
+    mnuAnim = action(SFPOPUP, "mnuAnim", QStringLiteral("GIF"));
+    mnuAnim->setCheckable(true);
+    mnuSepGif = separator(SFPOPUP, "mnuSepGif");
+    mnuFullScreen = action(SFPOPUP, "mnuFullScreen");
+    mnuSave = action(SFPOPUP, "mnuSave");
+    mnuPrint = action(SFPOPUP, "mnuPrint");
+    mnuClipboard = action(SFPOPUP, "mnuClipboard");
+    mnuGrab = action(SFPOPUP, "mnuGrab");
+    mnusepX = separator(SFPOPUP, "mnusepX");
+    mnuWall = action(SFPOPUP, "mnuWall");
+    mnuRemoveWall = action(SFPOPUP, "mnuRemoveWall");
+    mnuMove = action(SFPOPUP, "mnuMove");
+    mnusep = separator(SFPOPUP, "mnusep");
+    mnuAdd = action(SFPOPUP, "mnuAdd");
+    mnuRemove = action(SFPOPUP, "mnuRemove");
+    mnuGlobal = action(SFPOPUP, "mnuGlobal");
+    mnusep99 = separator(SFPOPUP, "mnusep99");
+    SFRename = action(SFPOPUP, "SFRename");
+    SFDelete = action(SFPOPUP, "SFDelete");
+    SFInfo = action(SFPOPUP, "SFInfo");
+    mnuShellOpen = action(SFPOPUP, "mnuShellOpen");
+    mnuShellEdit = action(SFPOPUP, "mnuShellEdit");
+    mnusepw = separator(SFPOPUP, "mnusepw");
+    mnufit = action(SFPOPUP, "mnufit");
+    mnuFull = action(SFPOPUP, "mnuFull");
+    mnuZoom = named(SFPOPUP->addMenu(QStringLiteral("Zoom")), "mnuZoom");
+    static const int percents[] = {10, 25, 50, 75, 100, 125, 150, 175, 200, 300, 400, 800};
+    for (size_t i = 0; i < mnuZoomItems.size(); ++i) {
+        mnuZoomItems[i] = mnuZoom->addAction(QString::number(percents[i]) + QStringLiteral(" %"));
+        mnuZoomItems[i]->setObjectName(QStringLiteral("mnu") + QString::number(percents[i]));
+        mnuZoomItems[i]->setData(percents[i]);
+    }
+
+    SFCrop = named(new QMenu(this), "SFCrop");
+    mnuCropSave = action(SFCrop, "mnuCropSave");
+    mnuCropClip = action(SFCrop, "mnuCropClip");
+    mnuCropPrint = action(SFCrop, "mnuCropPrint");
+
+    DIRPOPUP = named(new QMenu(this), "DIRPOPUP");
+    mnuDirOpen = action(DIRPOPUP, "mnuDirOpen");
+    mnuDirExpl = action(DIRPOPUP, "mnuDirExpl");
+}
+
+void frmMain::connectHandlers()
+{
+    connect(cmdNext, &QToolButton::clicked, this, &frmMain::cmdNext_Click);
+    connect(cmdBack, &QToolButton::clicked, this, &frmMain::cmdBack_Click);
+    connect(ChkCicle, &QCheckBox::toggled, this, &frmMain::ChkCicle_Click);
+    connect(ChkAuto, &QCheckBox::toggled, this, &frmMain::ChkAuto_Click);
+    connect(HScroll1, &QScrollBar::valueChanged, this, &frmMain::HScroll1_Change);
+    connect(TimerImage, &QTimer::timeout, this, &frmMain::TimerImage_Timer);
+
+    connect(CboType, &QComboBox::currentIndexChanged, this, [this] { CboType_Click(); });
+    connect(Drive1, &QComboBox::currentIndexChanged, this, [this] { Drive1_Change(); });
+    connect(Dir1->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { Dir1_Change(); });
+    connect(Dir1, &QTreeView::customContextMenuRequested, this, [this](const QPoint &at) {
+        stopSlideTimer();
+        DIRPOPUP->popup(Dir1->viewport()->mapToGlobal(at));
+    });
+    connect(CboURL, &QComboBox::activated, this, [this] { CboURL_Click(); });
+    connect(CboURL, &QComboBox::editTextChanged, this, [this] { CboURL_Change(); });
+    connect(cmdExpand, &QToolButton::clicked, this, &frmMain::cmdExpand_Click);
+    connect(cmdReduce, &QToolButton::clicked, this, &frmMain::cmdReduce_Click);
+    for (QAction *item : mnuZoomItems)
+        connect(item, &QAction::triggered, this, [this, item] { mnuZoom_Click(item->data().toInt()); });
+    connect(mnufit, &QAction::triggered, this, &frmMain::mnufit_Click);
+    connect(mnuFull, &QAction::triggered, this, &frmMain::mnuFull_Click);
+    for (QRadioButton *option : Option1)
+        connect(option, &QRadioButton::toggled, this, [this](bool checked) {
+            if (checked)
+                Option1_Click();
+        });
+
+    connect(cmdUp, &QToolButton::clicked, this, &frmMain::cmdUp_Click);
+    connect(cmdRefr, &QToolButton::clicked, this, &frmMain::cmdRefr_Click);
+    connect(cmdClear, &QToolButton::clicked, this, &frmMain::cmdClear_Click);
+}
+
+void frmMain::ApplyLanguage()
+{
+    FormTexts::ApplyCaptions(this, m_state.messages);
+    FormTexts::ApplyTooltips(this, m_state.messages, m_state.ShowTooltips);
+    cmdAbout->setText(m_state.messages.GetMsg(311, QStringLiteral("A&bout")));
+    cmdAbout->setAccessibleName(cmdAbout->text().remove(QLatin1Char('&')));
+    layoutFrame1();
+}
+
+void frmMain::setWaitCursor(bool on)
+{
+    if (on)
+        setCursor(Qt::WaitCursor);
+    else
+        unsetCursor();
+}
+
+void frmMain::closeEvent(QCloseEvent *event)
+{
+    Form_Unload();
+    event->accept();
+}

@@ -1,0 +1,124 @@
+#include "viewer/frmMain.h"
+
+#include "core/AppState.h"
+#include "platform/MoviePlayer.h"
+#include "viewer/PictureView.h"
+#include "viewer/ZoomRules.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFrame>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QResizeEvent>
+#include <QScreen>
+#include <QScrollBar>
+#include <QToolButton>
+#include <QTreeView>
+
+using namespace ViewGeometry;
+
+// Frame1 holds the browser in two columns: drives and folder tree on the
+// left; path box, filter, switches and the command buttons on the right.
+void frmMain::layoutFrame1()
+{
+    const int frameWidth = m_twips.toPixelsX(Frame1Width);
+    const int frameHeight = m_twips.toPixelsY(Frame1Height);
+    Frame1->resize(frameWidth, frameHeight);
+
+    constexpr int gap = 2, button = 26, row = 26;
+    const int leftWidth = frameWidth / 2 - gap;
+    Drive1->setGeometry(gap, gap, leftWidth, 24);
+    Dir1->setGeometry(gap, 28, leftWidth, frameHeight - 30);
+
+    const int x = leftWidth + 2 * gap;
+    const int width = frameWidth - x - gap;
+    const int boxWidth = width - 2 * button;
+    CboURL->setGeometry(x, gap, boxWidth, 24);
+    cmdClear->setGeometry(x + boxWidth, gap, button, 24);
+    cmdUp->setGeometry(x + boxWidth + button, gap, button, 24);
+    CboType->setGeometry(x, gap + row, boxWidth, 24);
+    cmdRefr->setGeometry(x + boxWidth, gap + row, button, 24);
+    cmdIndex->setGeometry(x + boxWidth + button, gap + row, button, 24);
+
+    Option1[0]->setGeometry(x, gap + 2 * row, width / 2, 22);
+    Option1[1]->setGeometry(x + width / 2, gap + 2 * row, width / 2, 22);
+    const int cycleWidth = width * 2 / 5;
+    ChkCicle->setGeometry(x, gap + 3 * row - 2, cycleWidth, 22);
+    HScroll1->setGeometry(x + cycleWidth, gap + 3 * row + 1, width - cycleWidth - 34, 16);
+    txtTime->setGeometry(x + width - 32, gap + 3 * row - 2, 32, 22);
+    ChkAuto->setGeometry(x, gap + 4 * row - 4, width * 2 / 3, 22);
+    chkAnim->setGeometry(x + width * 2 / 3, gap + 4 * row - 4, width / 3, 22);
+
+    const std::array<QToolButton *, 7> firstRow{cmdBack, cmdNext, cmdExpand, cmdReduce, cmdRitaglia, cmdSave, cmdClip};
+    const std::array<QToolButton *, 6> secondRow{cmdPrint, cmdGrab, cmdAdd, cmdList, cmdLink, cmdHelp};
+    const int buttonsTop = frameHeight - 2 * button - gap;
+    for (size_t i = 0; i < firstRow.size(); ++i)
+        firstRow[i]->setGeometry(x + int(i) * button, buttonsTop, button, button);
+    for (size_t i = 0; i < secondRow.size(); ++i)
+        secondRow[i]->setGeometry(x + int(i) * button, buttonsTop + button, button, button);
+    const int aboutLeft = x + int(secondRow.size()) * button;
+    cmdAbout->setGeometry(aboutLeft, buttonsTop + button, x + width - aboutLeft, button);
+}
+
+void frmMain::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    Form_Resize();
+}
+
+void frmMain::Form_Resize()
+{
+    if (isMinimized())
+        return;
+    const double windowWidth = m_twips.fromPixelsX(width());
+    const double windowHeight = m_twips.fromPixelsY(height());
+
+    FraFondoTop->setGeometry(m_twips.toPixels(0, 0, windowWidth, DisplayTop));
+    FraFondoBot->setGeometry(
+        m_twips.toPixels(0, windowHeight - StatusBarOffset, windowWidth, StatusBarHeight));
+    Frame1->move(m_twips.toPixelsX(frame1Left(windowWidth)), m_twips.toPixelsY(40));
+    if (const QScreen *screen = this->screen())
+        ImgWall->setGeometry(QRect(QPoint(0, 0), screen->size()));
+    ImgWall->lower();
+
+    const double areaWidth = windowWidth - SideReserve;
+    const double areaHeight = windowHeight - DisplayTop - BottomReserve;
+    WebBrowser1->setGeometry(m_twips.toPixels(0, DisplayTop, areaWidth, areaHeight));
+    if (m_state.MainMovieLoaded)
+        Centra_Image(MediaPlayer1);
+    m_zoomPercent = 0; // a resize ends an explicit zoom
+    if (!ImgEgg->isEmpty() && Option1[0]->isChecked())
+        fitOrActualSize();
+    Centra_Image(ImgEgg);
+    layoutStatusRow();
+}
+
+void frmMain::Centra_Image(QWidget *target)
+{
+    const QSizeF window(m_twips.fromPixelsX(width()), m_twips.fromPixelsY(height()));
+    const QSizeF size(m_twips.fromPixelsX(target->width()), m_twips.fromPixelsY(target->height()));
+    const QPointF at = ZoomRules::centredPosition(size, window);
+    target->move(m_twips.toPixelsX(at.x()), m_twips.toPixelsY(at.y()));
+}
+
+// The status labels form one row centred in the bottom frame.
+void frmMain::layoutStatusRow()
+{
+    const std::array<QLabel *, 5> labels{LabNum, LabFil, LabSiz, LabPix, LabZoom};
+    int total = 0;
+    for (QLabel *label : labels) {
+        label->adjustSize();
+        total += label->width();
+    }
+    const int rowHeight = FraFondoBot->height();
+    int left = qMax(0, (FraFondoBot->width() - total) / 2 - m_twips.toPixelsX(60));
+    for (QLabel *label : labels) {
+        label->move(left, (rowHeight - label->height()) / 2);
+        if (label == LabFil)
+            ImgTyp->setGeometry(left + m_twips.toPixelsX(50), (rowHeight - 16) / 2, 16, 16);
+        left += label->width();
+    }
+}

@@ -1,0 +1,198 @@
+#include "viewer/frmMain.h"
+
+#include "core/AppState.h"
+#include "core/FileTypeCatalogue.h"
+#include "core/FormTexts.h"
+#include "core/LanguageChoice.h"
+#include "core/MessageCatalogue.h"
+#include "core/SettingsStore.h"
+#include "platform/Drives.h"
+#include "platform/MoviePlayer.h"
+#include "viewer/StartupRules.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QTimer>
+#include <QToolButton>
+
+namespace {
+const QString UserDef = QStringLiteral("UserDef");
+}
+
+void frmMain::Form_Load(const QString &commandLine)
+{
+    SettingsStore &settings = m_state.settings;
+    MessageCatalogue &messages = m_state.messages;
+    const QString programFolder = StartupRules::withoutTrailingSlash(m_state.ProgramFolder);
+
+    setWindowTitle(QStringLiteral(" Vimora"));
+
+    QString language = settings.read(UserDef, QStringLiteral("Language"));
+    messages.setLanguageCode(language);
+    if (language.isEmpty())
+        ChooseLanguage(m_state, m_prompts);
+    m_state.HelpFilePath = helpFilePath(m_state.ProgramFolder, messages.languageCode());
+    messages.setMessageFilePath(m_state.ProgramFolder + QStringLiteral("PRMSG"));
+    FormTexts::ApplyCaptions(this, messages);
+
+    setWaitCursor(true);
+    fillTypeFilterList();
+
+    const bool withFile = !commandLine.isEmpty();
+    if (!withFile) {
+        const QString stored = settings.read(UserDef, QStringLiteral("Path"), programFolder);
+        settings.deleteKey(UserDef, QStringLiteral("Path"));
+        const QList<Drive> drives = m_listDrives();
+        m_state.CurrentFolder = StartupRules::startFolder(stored, m_state.ProgramFolder,
+                                                          Testa_CDRom(stored, drives), isNetworkPath(stored, drives));
+    } else {
+        const StartupRules::CommandLineFile file = StartupRules::splitCommandLine(commandLine);
+        m_state.CurrentFileName = file.name;
+        m_state.CurrentFolder = file.folder;
+    }
+
+    ChkCicle->setChecked(false);
+    m_state.SlideSeconds = StartupRules::slideSecondsFromStore(settings.readInt(UserDef, QStringLiteral("xTime"), 5));
+    txtTime->setText(QString::number(m_state.SlideSeconds));
+
+    m_state.ShowTooltips = settings.readBool(UserDef, QStringLiteral("SWTIPS"), true);
+    FormTexts::ApplyTooltips(this, messages, m_state.ShowTooltips);
+
+    if (m_state.CurrentFolder.compare(programFolder, Qt::CaseInsensitive) != 0
+        && !QDir::setCurrent(m_state.CurrentFolder))
+        m_state.CurrentFolder = programFolder;
+
+    Carica_URL();
+    setPathBoxText(m_state.CurrentFolder);
+    cmdAbout->setText(messages.GetMsg(311, QStringLiteral("A&bout")));
+    cmdAbout->setAccessibleName(cmdAbout->text().remove(QLatin1Char('&')));
+
+    m_state.SaveFolder = settings.read(UserDef, QStringLiteral("savDir"), m_state.CurrentFolder);
+    m_state.AnimateGifs = settings.readBool(UserDef, QStringLiteral("swAnim"), true);
+    chkAnim->setChecked(m_state.AnimateGifs);
+
+    Option1[1]->setChecked(true);
+    m_state.IndexShown = true;
+
+    fillDrives();
+    m_state.BrowserReady = false;
+    setDir1Path(m_state.CurrentFolder);
+    QCoreApplication::processEvents();
+    layoutStatusRow();
+
+    show();
+
+    m_state.TypeFilterCode = QStringLiteral("ALLSUP");
+    m_state.TypeFilterIndex = 0;
+
+    if (withFile) {
+        ChkAuto->setChecked(true);
+        m_state.AutoPlayMovies = true;
+        m_state.BrowserReady = false;
+        CboType->setCurrentIndex(0);
+        m_state.BrowserReady = true;
+        const QString target = m_state.CurrentFolder;
+        m_state.CurrentFolder.clear(); // so that the folder counts as changed
+        if (dir1Path() == target)
+            Dir1_Change();
+        else
+            setDir1Path(target);
+    } else {
+        m_state.BrowserReady = false;
+        setDir1Path(m_state.CurrentFolder);
+        m_state.BrowserReady = true;
+        CboType->setCurrentIndex(m_state.TypeFilterIndex);
+        CboType_Click();
+    }
+
+    QCoreApplication::processEvents();
+    if (m_state.listIsEmpty()) {
+        cmdAdd->setEnabled(false);
+        if (m_state.TypeFilterCode != u"*")
+            CboType->setCurrentIndex(0);
+    } else {
+        cmdAdd->setEnabled(true);
+    }
+
+    if (!m_state.IndexHiddenWithMain && !m_state.FullScreenActive)
+        m_state.IndexShown = false; // the index window comes with its own issue of work
+    setWaitCursor(false);
+
+    m_state.BrowserReady = false;
+    if (ChkCicle->isChecked())
+        m_state.SlideshowOn = true;
+    HScroll1->setValue(m_state.SlideSeconds);
+    txtTime->setText(QString::number(m_state.SlideSeconds));
+    m_state.BrowserReady = true;
+
+    cmdLink->setEnabled(true);
+}
+
+void frmMain::fillTypeFilterList()
+{
+    const MessageCatalogue &messages = m_state.messages;
+    FileTypeCatalogue::GroupLabels labels;
+    labels.allSupported = messages.GetMsg(381, labels.allSupported);
+    labels.images = messages.GetMsg(386, labels.images);
+    labels.movies = messages.GetMsg(387, labels.movies);
+    labels.allFiles = messages.GetMsg(382, labels.allFiles);
+    const bool ready = m_state.BrowserReady;
+    const int selected = qMax(0, CboType->currentIndex());
+    const bool lastWasSelected = m_lastTypeText == CboType->currentText();
+    m_state.BrowserReady = false;
+    CboType->clear();
+    CboType->addItems(FileTypeCatalogue::typeFilterItems(labels));
+    CboType->setCurrentIndex(selected);
+    if (lastWasSelected && !m_lastTypeText.isEmpty())
+        m_lastTypeText = CboType->currentText(); // same filter, other language: no reload
+    m_state.BrowserReady = ready;
+    m_state.OpenFileFilter = FileTypeCatalogue::openFileFilter(labels);
+}
+
+void frmMain::Form_Unload()
+{
+    if (m_unloaded)
+        return;
+    m_unloaded = true;
+    m_state.StopPreviewLoad = true;
+    ++m_listGeneration;
+    m_state.FileNames = QStringList{QString()};
+    QCoreApplication::processEvents();
+
+    if (!MediaPlayer1->FileName().isEmpty()) {
+        MediaPlayer1->Stop();
+        MediaPlayer1->hide();
+        MediaPlayer1->setFileName(QString());
+    }
+    QCoreApplication::processEvents();
+    SaveUserSettings();
+}
+
+void frmMain::SaveUserSettings()
+{
+    SettingsStore &settings = m_state.settings;
+    QCoreApplication::processEvents();
+
+    settings.write(UserDef, QStringLiteral("xTime"), QString::number(m_state.SlideSeconds));
+    settings.write(UserDef, QStringLiteral("Path"), m_state.CurrentFolder);
+    settings.write(UserDef, QStringLiteral("iTyp"), QString::number(m_state.TypeFilterIndex));
+    settings.write(UserDef, QStringLiteral("cicle"), SettingsText::fromCheckState(ChkCicle->isChecked()));
+    settings.write(UserDef, QStringLiteral("savDir"), m_state.SaveFolder);
+    settings.write(UserDef, QStringLiteral("frmMainLeft"), QString::number(qRound(m_twips.fromPixelsX(x()))));
+    settings.write(UserDef, QStringLiteral("frmMainTop"), QString::number(qRound(m_twips.fromPixelsY(y()))));
+    settings.write(UserDef, QStringLiteral("opt1i0"), SettingsText::fromOption(Option1[0]->isChecked()));
+    settings.write(UserDef, QStringLiteral("swAnim"), SettingsText::fromBool(m_state.AnimateGifs));
+    settings.flush();
+
+    m_state.ProgramClosing = true;
+    QCoreApplication::processEvents();
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (window != this && window->isVisible())
+            window->close();
+}

@@ -1,0 +1,157 @@
+#include "viewer/frmMain.h"
+
+#include "core/AppState.h"
+#include "core/LanguageChoice.h"
+#include "platform/Launcher.h"
+#include "platform/MoviePlayer.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFrame>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTimer>
+
+void frmMain::cmdNext_Click()
+{
+    if (!m_state.BrowserReady)
+        return;
+    m_state.FullScreenActive = false;
+    Mostra_Image(false, QString());
+}
+
+void frmMain::cmdBack_Click()
+{
+    if (!m_state.BrowserReady)
+        return;
+    m_state.FullScreenActive = false;
+    Mostra_Image(true, QString());
+}
+
+void frmMain::ChkCicle_Click()
+{
+    ClearCropSelection();
+    m_state.SlideshowOn = ChkCicle->isChecked();
+    if (m_state.SlideshowOn)
+        TimerImage->start(m_state.SlideSeconds * 1000);
+    else
+        TimerImage->stop();
+}
+
+void frmMain::ChkAuto_Click()
+{
+    ClearCropSelection();
+    m_state.AutoPlayMovies = ChkAuto->isChecked();
+    if (!m_state.MainMovieLoaded || MediaPlayer1->FileName().isEmpty())
+        return;
+    const bool playing = MediaPlayer1->PlayState() == MoviePlayer::Playing;
+    if (m_state.AutoPlayMovies && !playing)
+        MediaPlayer1->Play();
+    else if (!m_state.AutoPlayMovies && playing)
+        MediaPlayer1->Stop();
+}
+
+void frmMain::HScroll1_Change()
+{
+    ClearCropSelection();
+    if (!m_state.BrowserReady)
+        return;
+    m_state.SlideSeconds = HScroll1->value();
+    txtTime->setText(QString::number(m_state.SlideSeconds));
+    TimerImage->setInterval(m_state.SlideSeconds * 1000); // running or not, as it was
+}
+
+void frmMain::TimerImage_Timer()
+{
+    // The slideshow waits while a program that Vimora launched is in front.
+    if (m_slidesLaunchPid && m_launcher.isRunning(m_slidesLaunchPid) && !QApplication::activeWindow())
+        return;
+    if (m_state.listIsEmpty())
+        return;
+    Mostra_Image(false, QString());
+    QCoreApplication::processEvents();
+}
+
+void frmMain::stopSlideTimer() { TimerImage->stop(); }
+
+void frmMain::restartSlideTimerIfOn()
+{
+    if (m_state.SlideshowOn)
+        TimerImage->start(m_state.SlideSeconds * 1000);
+}
+
+void frmMain::ClearCropSelection()
+{
+    if (!m_state.CropSelectionActive)
+        return;
+    m_state.CropSelectionActive = false;
+    for (QFrame *line : SelLines)
+        line->hide();
+    LabMis->hide();
+    MediaPlayer1->setContextMenuEnabled(true);
+    MediaPlayer1->setVideoCursor(Qt::ArrowCursor);
+}
+
+void frmMain::keyPressEvent(QKeyEvent *event)
+{
+    const int key = event->key();
+    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
+    const bool plain = modifiers == Qt::NoModifier;
+    const bool alt = modifiers == Qt::AltModifier;
+
+    if (key == Qt::Key_Escape) {
+        ClearCropSelection();
+        unsetCursor();
+        return;
+    }
+    if (CboType->currentText().isEmpty()) {
+        // The user erased the filter: Enter restores "All Supported".
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            m_state.BrowserReady = true;
+            CboType->setCurrentIndex(0);
+        } else {
+            m_state.BrowserReady = false;
+        }
+        return;
+    }
+
+    if (plain && (key == Qt::Key_Up || key == Qt::Key_PageUp))
+        Mostra_Image(true, QString());
+    if (plain && (key == Qt::Key_Down || key == Qt::Key_PageDown))
+        Mostra_Image(false, QString());
+    if (plain && key == Qt::Key_Space) {
+        if (m_state.MainMovieLoaded) {
+            if (MediaPlayer1->PlayState() == MoviePlayer::Playing)
+                MediaPlayer1->Pause();
+            else
+                MediaPlayer1->Play();
+        } else if (ChkCicle->isChecked()) {
+            ChkCicle->setChecked(false);
+        } else {
+            Mostra_Image(false, QString());
+        }
+    }
+    if (plain && (key == Qt::Key_Return || key == Qt::Key_Enter) && m_state.BrowserReady) {
+        const QString typed = CboURL->currentText().trimmed();
+        CboURL_Click();
+        QCoreApplication::processEvents();
+        if (m_state.CurrentFolder.startsWith(typed, Qt::CaseInsensitive) && !m_state.CurrentFileName.isEmpty())
+            Inserisci_URL(m_state.CurrentFolder);
+    }
+    if (plain && key == Qt::Key_F2) {
+        ChooseLanguage(m_state, m_prompts);
+        ApplyLanguage();
+        fillTypeFilterList();
+    }
+    if (plain && key == Qt::Key_F5)
+        cmdRefr_Click();
+    if (plain && key == Qt::Key_F4)
+        CboURL->setFocus();
+    if (alt && key == Qt::Key_O)
+        cmdAbout->click();
+    event->accept();
+}

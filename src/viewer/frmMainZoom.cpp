@@ -1,0 +1,127 @@
+#include "viewer/frmMain.h"
+
+#include "core/AppState.h"
+#include "platform/MoviePlayer.h"
+#include "viewer/PictureView.h"
+#include "viewer/ViewRules.h"
+#include "viewer/ZoomRules.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QRadioButton>
+#include <QTimer>
+
+void frmMain::cmdExpand_Click()
+{
+    ClearCropSelection();
+    ZoomTo(ZoomRules::zoomIn(m_zoomPercent));
+}
+
+void frmMain::cmdReduce_Click()
+{
+    ClearCropSelection();
+    ZoomTo(ZoomRules::zoomOut(m_zoomPercent));
+}
+
+void frmMain::mnuZoom_Click(int percent)
+{
+    if (percent == 100)
+        mnuFull_Click();
+    else
+        ZoomTo(percent);
+}
+
+void frmMain::ZoomTo(int percent)
+{
+    stopSlideTimer();
+    setWaitCursor(true);
+    if (m_state.MainMovieLoaded) {
+        const QSize natural = MediaPlayer1->naturalSize();
+        if (!natural.isEmpty()) {
+            const QSizeF naturalTwips(m_twips.fromPixelsX(natural.width()), m_twips.fromPixelsY(natural.height()));
+            percent = ZoomRules::movieZoomPercent(percent, naturalTwips, windowTwips());
+            MediaPlayer1->resize(natural * (percent / 100.0));
+            Centra_Image(MediaPlayer1);
+        }
+    } else if (!ImgEgg->naturalSize().isEmpty()) {
+        const QSize natural = ImgEgg->naturalSize();
+        ImgEgg->resize(qMax(1, int(natural.width() * percent / 100.0)), qMax(1, int(natural.height() * percent / 100.0)));
+        updateSizeTexts();
+        Centra_Image(ImgEgg);
+        ImgEgg->show();
+    }
+    m_zoomPercent = percent;
+    LabZoom->setText(ViewRules::zoomLabel(percent));
+    layoutStatusRow();
+    restartSlideTimerIfOn();
+    setWaitCursor(false);
+}
+
+void frmMain::mnufit_Click() { chooseViewMode(0); }
+void frmMain::mnuFull_Click() { chooseViewMode(1); }
+
+void frmMain::chooseViewMode(int option)
+{
+    if (m_state.MainMovieLoaded && m_state.FullScreenActive)
+        return; // the full-screen view is left by its own command
+    if (Option1[option]->isChecked())
+        Option1_Click(); // selecting it again still resets the zoom
+    else
+        Option1[option]->setChecked(true);
+    restartSlideTimerIfOn();
+}
+
+void frmMain::Option1_Click()
+{
+    ClearCropSelection();
+    if (!m_modeClickLive)
+        return;
+    setWaitCursor(true);
+    m_zoomPercent = 0;
+    fitOrActualSize();
+    layoutStatusRow();
+    setWaitCursor(false);
+}
+
+// Fit or actual size, as the mode option says.
+void frmMain::fitOrActualSize()
+{
+    const QSize natural = ImgEgg->naturalSize();
+    if (natural.isEmpty()) {
+        LabPix->clear();
+        LabZoom->clear();
+        return;
+    }
+    int percent = 100;
+    if (Option1[0]->isChecked()) {
+        const QSizeF pictureTwips(m_twips.fromPixelsX(natural.width()), m_twips.fromPixelsY(natural.height()));
+        const double ratio = ZoomRules::fitRatio(pictureTwips, windowTwips());
+        if (ratio > 0)
+            percent = int(std::lround(ratio * 100));
+        const QSizeF shown = ratio > 0 ? pictureTwips * ratio : pictureTwips;
+        ImgEgg->resize(qMax(1, m_twips.toPixelsX(shown.width())), qMax(1, m_twips.toPixelsY(shown.height())));
+        m_fitPercent = percent;
+    } else {
+        ImgEgg->resize(natural);
+    }
+    updateSizeTexts();
+    LabZoom->setText(ViewRules::zoomLabel(percent));
+    Centra_Image(ImgEgg);
+}
+
+// The picture's tooltip and the size text of the status row.
+void frmMain::updateSizeTexts()
+{
+    const QSize natural = ImgEgg->naturalSize();
+    const QString resolution = ViewRules::resolutionText(natural.width(), natural.height());
+    ImgEgg->setToolTip(m_state.CurrentFileName + QStringLiteral("   (") + resolution + QStringLiteral(")  ")
+                       + m_fileSizeDisplay + QLatin1Char(' '));
+    const double displayedCm = m_twips.fromPixelsX(ImgEgg->width()) / 1440.0 * 2.54;
+    LabPix->setText(QLatin1Char(' ') + ViewRules::withPixelsPerCm(resolution, natural.width(), displayedCm)
+                    + QLatin1Char(' '));
+}
+
+QSizeF frmMain::windowTwips() const
+{
+    return {m_twips.fromPixelsX(width()), m_twips.fromPixelsY(height())};
+}

@@ -1,0 +1,214 @@
+#include "support/MainWindowFixture.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFileSystemModel>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSettings>
+#include <QTest>
+#include <QToolButton>
+#include <QTreeView>
+
+namespace {
+
+QStringList tenPictures()
+{
+    QStringList names;
+    for (int i = 1; i <= 10; ++i)
+        names.append(QStringLiteral("pic%1.bmp").arg(i));
+    return names;
+}
+
+// Opens a folder the way a user does: selecting it in the folder tree.
+void pickInTree(frmMain &window, const QString &folder)
+{
+    auto *model = qobject_cast<QFileSystemModel *>(window.Dir1->model());
+    window.Dir1->setCurrentIndex(model->index(folder));
+    QCoreApplication::processEvents();
+}
+
+} // namespace
+
+TEST(MainWindowBrowsing, FolderPickedInTheTreeIsListedAndShown)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("ten");
+    fixture.makeFiles(folder, tenPictures());
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start();
+
+    pickInTree(window, folder);
+    EXPECT_EQ(fixture.state->CurrentFolder, folder);
+    EXPECT_EQ(fixture.state->FileNames.size(), 10);
+    EXPECT_EQ(window.windowTitle(), " pic1.bmp  - Vimora ");
+    EXPECT_EQ(window.LabNum->text(), " 1/10 ");
+    EXPECT_TRUE(fixture.state->FolderSummaryText.startsWith("10     "));
+    EXPECT_FALSE(window.cmdBack->isEnabled());
+    EXPECT_TRUE(window.cmdNext->isEnabled());
+    EXPECT_TRUE(window.cmdSave->isEnabled());
+
+    window.cmdNext->click();
+    window.cmdNext->click();
+    EXPECT_EQ(window.LabNum->text(), " 3/10 ");
+    EXPECT_EQ(window.windowTitle(), " pic3.bmp  - Vimora ");
+    EXPECT_TRUE(window.cmdBack->isEnabled());
+
+    // The folder went to the top of the path history, in the settings too.
+    EXPECT_EQ(window.CboURL->itemText(0), folder);
+    QSettings ini(fixture.iniPath(), QSettings::IniFormat);
+    EXPECT_EQ(ini.value("URL/0").toString(), folder);
+}
+
+TEST(MainWindowBrowsing, LastFileDisablesNextAndEmptyFolderDisablesAdd)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("two");
+    fixture.makeFiles(folder, {"a.bmp", "b.bmp"});
+    const QString empty = fixture.makeFolder("empty");
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/b.bmp");
+    EXPECT_EQ(window.LabNum->text(), " 2/2 ");
+    EXPECT_FALSE(window.cmdNext->isEnabled());
+
+    pickInTree(window, empty);
+    EXPECT_TRUE(fixture.state->listIsEmpty());
+    EXPECT_EQ(fixture.state->FolderSummaryText, "0     0 byte");
+    EXPECT_FALSE(window.cmdAdd->isEnabled());
+    EXPECT_FALSE(window.cmdNext->isEnabled());
+    EXPECT_EQ(window.windowTitle(), " Vimora");
+}
+
+TEST(MainWindowBrowsing, TypeFilterRelistsTheFolder)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("mixed");
+    fixture.makeFiles(folder, {"a.bmp", "b.jpg", "c.gif", "d.avi", "e.jpeg"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/a.bmp");
+    EXPECT_EQ(fixture.state->FileNames.size(), 5);
+
+    window.CboType->setCurrentIndex(3); // JPG,JPEG
+    EXPECT_EQ(fixture.state->TypeFilterCode, "JPG");
+    EXPECT_EQ(fixture.state->TypeFilterIndex, 3);
+    EXPECT_EQ(fixture.state->FileNames, QStringList({"b.jpg", "e.jpeg"}));
+    EXPECT_EQ(window.LabNum->text(), " 1/2 ");
+
+    window.CboType->setCurrentIndex(12); // AVI, a movie: handed to the player
+    EXPECT_EQ(fixture.state->FileNames, QStringList({"d.avi"}));
+    EXPECT_TRUE(fixture.state->MainMovieLoaded);
+}
+
+TEST(MainWindowBrowsing, PathBoxOpensFoldersWithoutReorderingTheHistory)
+{
+    MainWindowFixture fixture;
+    const QString first = fixture.makeFolder("first"), second = fixture.makeFolder("second");
+    fixture.makeFiles(first, {"1.bmp"});
+    fixture.makeFiles(second, {"2.bmp", "3.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start();
+    pickInTree(window, first);
+    pickInTree(window, second);
+    ASSERT_EQ(window.CboURL->itemText(0), second);
+    ASSERT_EQ(window.CboURL->itemText(1), first);
+
+    window.CboURL->setCurrentIndex(1);
+    window.CboURL_Click();
+    EXPECT_EQ(fixture.state->CurrentFolder, first);
+    EXPECT_EQ(window.CboURL->itemText(0), second); // the history keeps its order
+    EXPECT_EQ(window.windowTitle(), " 1.bmp  - Vimora ");
+
+    // Typing a known start completes it from the history.
+    window.CboURL->lineEdit()->clear();
+    QTest::keyClicks(window.CboURL->lineEdit(), second.left(second.size() - 3));
+    EXPECT_EQ(window.CboURL->currentText(), second + '/');
+
+    fixture.prompts.answers = {PromptAnswer::Yes};
+    window.cmdClear->click();
+    EXPECT_EQ(window.CboURL->count(), 0);
+    EXPECT_FALSE(window.cmdClear->isEnabled());
+    QSettings ini(fixture.iniPath(), QSettings::IniFormat);
+    EXPECT_FALSE(ini.contains("URL/0"));
+}
+
+TEST(MainWindowBrowsing, UpAndRefresh)
+{
+    MainWindowFixture fixture;
+    const QString parent = fixture.makeFolder("parent");
+    const QString child = fixture.makeFolder("parent/child");
+    fixture.makeFiles(parent, {"p.bmp"});
+    fixture.makeFiles(child, {"c.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(child + "/c.bmp");
+    window.cmdUp->click();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(fixture.state->CurrentFolder, parent);
+    EXPECT_EQ(window.windowTitle(), " p.bmp  - Vimora ");
+
+    fixture.makeFiles(parent, {"q.bmp"});
+    window.cmdRefr->click();
+    EXPECT_EQ(fixture.state->FileNames, QStringList({"p.bmp", "q.bmp"}));
+}
+
+TEST(MainWindowBrowsing, OpticalDriveWithoutDiscAsksRetryThenCancel)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("here");
+    fixture.makeFiles(folder, {"a.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    QList<Drive> drives{{"/", "", false, true, false}, {"/dev/sr0", "DVD", true, false, false}};
+    fixture.state->CurrentFolder.clear();
+    frmMain &window = *new frmMain(*fixture.state, fixture.prompts, fixture.launcher);
+    window.setDriveSource([&] { return drives; });
+    window.Form_Load(folder + "/a.bmp");
+    ASSERT_EQ(window.Drive1->findData("/dev/sr0"), 1);
+
+    fixture.prompts.answers = {PromptAnswer::Retry, PromptAnswer::Cancel};
+    window.Drive1->setCurrentIndex(1);
+    ASSERT_EQ(fixture.prompts.asked.size(), 2);
+    EXPECT_EQ(fixture.prompts.asked[0].text, "Drive /dev/sr0 Not Ready ...");
+    EXPECT_EQ(fixture.prompts.asked[0].buttons, PromptButtons::RetryCancel);
+    EXPECT_EQ(fixture.prompts.asked[0].icon, PromptIcon::Question);
+    EXPECT_EQ(fixture.prompts.asked[0].defaultButton, 2);
+    // Cancel goes back to the drive of the folder shown.
+    EXPECT_EQ(window.Drive1->currentData().toString(), "/");
+    EXPECT_EQ(fixture.state->CurrentFolder, folder);
+    EXPECT_TRUE(fixture.state->BrowserReady);
+    window.close();
+    delete &window;
+}
+
+TEST(MainWindowBrowsing, SlidesOpenInTheirOwnProgramUnlessTheSlideshowRuns)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("talk");
+    fixture.makeFiles(folder, {"a.bmp", "b.ppt"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/a.bmp");
+    window.cmdNext->click();
+    ASSERT_EQ(fixture.launcher.started.size(), 1);
+    EXPECT_EQ(fixture.launcher.started[0].second, QStringList({folder + "/b.ppt"}));
+    EXPECT_FALSE(window.ImgEgg->isVisible());
+
+    window.cmdBack->click();
+    window.ChkCicle->setChecked(true);
+    window.cmdNext->click();
+    EXPECT_EQ(fixture.launcher.started.size(), 1);
+}
+
+TEST(MainWindowBrowsing, PictureThatDoesNotDecodeLeavesTheAreaEmptySilently)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("broken");
+    fixture.makeFiles(folder, {"good.bmp"});
+    QFile bad(folder + "/bad.jpg");
+    bad.open(QIODevice::WriteOnly);
+    bad.write("\xff\xd8\xff garbage");
+    bad.close();
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/bad.jpg");
+    EXPECT_EQ(window.windowTitle(), " bad.jpg  - Vimora ");
+    EXPECT_FALSE(window.ImgEgg->isVisible());
+    EXPECT_TRUE(fixture.prompts.asked.isEmpty());
+    EXPECT_EQ(window.LabNum->text(), " 1/2 ");
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "core/AppState.h"
+#include "core/MessageCatalogue.h"
+#include "core/SettingsStore.h"
+#include "support/FakeSeams.h"
+#include "viewer/PictureView.h"
+#include "viewer/frmMain.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QStringList>
+#include <QToolButton>
+#include <QTreeView>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+// The INI store that also logs the order of its writes.
+class LoggingIniStore : public IniSettingsStore {
+public:
+    using IniSettingsStore::IniSettingsStore;
+    QStringList writeLog;
+    void write(const QString &section, const QString &key, const QString &value) override
+    {
+        writeLog.append(section + '/' + key);
+        IniSettingsStore::write(section, key, value);
+    }
+};
+
+// A main window over a fresh state, a settings file and a program folder of
+// its own, with prompts and launcher that tests script.
+class MainWindowFixture {
+public:
+    MainWindowFixture();
+    ~MainWindowFixture();
+
+    QString programFolder() const { return m_root.path() + "/program/"; }
+    QString iniPath() const { return m_root.path() + "/config/Vimora.ini"; }
+    QString makeFolder(const QString &relative) const; // absolute path, created
+    // Small real pictures: ".bmp", ".jpg", ".gif" are decoded; others are
+    // written as a few bytes, which is all a list needs.
+    void makeFiles(const QString &folder, const QStringList &names) const;
+
+    frmMain &start(const QString &commandLine = {});
+    void close();
+    frmMain &window() { return *m_window; }
+
+    LoggingIniStore &settings() { return *m_settings; }
+    ScriptedPrompts prompts;
+    RecordingLauncher launcher;
+    MessageCatalogue messages;
+    std::unique_ptr<AppState> state;
+
+private:
+    QTemporaryDir m_root;
+    std::unique_ptr<LoggingIniStore> m_settings;
+    std::unique_ptr<frmMain> m_window;
+};
