@@ -6,6 +6,5 @@ cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release -DVIMORA_BUILD_TESTS=OFF -DVIMORA_BUILD_BENCH=OFF
 cmake --build build-release
-# Without a stored folder Vimora opens its own data folder, which holds the
-# samples; pointing it at one of them shows the whole folder at once.
-exec build-release/bin/vimora "$PWD/build-release/bin/samples/sample-photo.jpg"
+# At its first start Vimora opens its own data folder, which holds the samples.
+exec build-release/bin/vimora

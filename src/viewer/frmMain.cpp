@@ -56,7 +56,11 @@ frmMain::frmMain(AppState &state, Prompts &prompts, Launcher &launcher, QWidget 
     buildControls();
     buildMenus();
     connectHandlers();
-    resize(m_twips.toPixelsX(12000), m_twips.toPixelsY(9000));
+    // The window never gets smaller than its layout needs.
+    setMinimumSize(m_twips.toPixelsX(ViewGeometry::MinWindowWidth), m_twips.toPixelsY(ViewGeometry::MinWindowHeight));
+    const QSize available = screen->availableGeometry().size();
+    resize(qMax(m_twips.toPixelsX(ViewGeometry::MinWindowWidth), available.width() * 3 / 4),
+           qMax(m_twips.toPixelsY(ViewGeometry::MinWindowHeight), available.height() * 3 / 4));
 }
 
 frmMain::~frmMain() = default;
@@ -91,6 +95,9 @@ void frmMain::buildControls()
         Dir1->hideColumn(column);
     Dir1->setHeaderHidden(true);
     Dir1->setContextMenuPolicy(Qt::CustomContextMenu);
+    // The model reads folders in the background: show the current one once
+    // its parent has been read.
+    connect(m_folderModel, &QFileSystemModel::directoryLoaded, this, &frmMain::revealDir1Current);
 
     CboURL = named(new QComboBox(Frame1), "CboURL");
     CboURL->setEditable(true);
@@ -129,7 +136,6 @@ void frmMain::buildControls()
     cmdLink = toolButton("cmdLink", "preferences-desktop-default-applications");
     cmdHelp = toolButton("cmdHelp", "help-contents");
     cmdAbout = named(new QPushButton(Frame1), "cmdAbout");
-    cmdAbout->setIcon(DataFolder::themedIcon(data, QStringLiteral("help-about")));
     cmdTrucco = named(new QPushButton(this), "cmdTrucco");
     cmdTrucco->setFixedSize(0, 0); // present for the focus only
     cmdTrucco->setAccessibleName(QStringLiteral("Vimora"));

@@ -176,6 +176,7 @@ private:
     bool driveReady(const QString &folder);
     void selectDriveOf(const QString &folder);
     void setPathBoxText(const QString &text);
+    void revealDir1Current();
     void showPicture(const QString &path);
     void showMovie(const QString &path, double startPosition);
     void fitOrActualSize();

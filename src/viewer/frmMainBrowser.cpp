@@ -326,8 +326,18 @@ void frmMain::setDir1Path(const QString &folder)
     if (!index.isValid())
         return;
     Dir1->setCurrentIndex(index);
-    Dir1->scrollTo(index);
-    Dir1->expand(index);
+    revealDir1Current();
+}
+
+// Opens the tree down to the current folder; called again as the model
+// reads the folders on the way in the background.
+void frmMain::revealDir1Current()
+{
+    const QModelIndex index = Dir1->currentIndex();
+    for (QModelIndex parent = index.parent(); parent.isValid(); parent = parent.parent())
+        Dir1->expand(parent);
+    // Scroll once the view has laid out the rows that expanding added.
+    QTimer::singleShot(0, Dir1, [this] { Dir1->scrollTo(Dir1->currentIndex(), QAbstractItemView::PositionAtCenter); });
 }
 
 void frmMain::fillDrives()
