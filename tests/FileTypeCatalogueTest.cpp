@@ -94,12 +94,18 @@ TEST(FileTypeCatalogue, AdmissionUnderEachFilter)
     EXPECT_FALSE(admits("a.jpg", "BOGUS", "BOGUS"));
 }
 
-TEST(FileTypeCatalogue, EnumerationPatternNamesOneExtensionWhereItCan)
+TEST(FileTypeCatalogue, AdmittedExtensionsAgreeWithAdmission)
 {
-    EXPECT_EQ(enumerationPattern("BMP"), "*.BMP");
-    EXPECT_EQ(enumerationPattern("IVF"), "*.IVF");
-    EXPECT_EQ(enumerationPattern("JPG"), "*.*"); // JPG also admits .jpeg
-    EXPECT_EQ(enumerationPattern("ALLSUP"), "*.*");
+    const QStringList items = typeFilterItems(GroupLabels{});
+    const QStringList names{"a.bmp", "a.jpeg", "a.mpv2", "a.rm", "a.rmvb", "a.pps", "a.ifo", "photoJPEG", "a.txt",
+                            "a.mp2", "a.lsx", "x.qt", "noext"};
+    for (const QString &item : items) {
+        const QString code = filterCodeOfItem(item);
+        const QStringList extensions = admittedExtensions(code, item);
+        for (const QString &name : names)
+            EXPECT_EQ(extensions.contains(extensionOf(name)), admits(name, code, item))
+                << name.toStdString() << " under " << code.toStdString();
+    }
 }
 
 TEST(FileTypeCatalogue, TypeCodesAndMediaClasses)

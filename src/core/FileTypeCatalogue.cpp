@@ -1,5 +1,7 @@
 #include "core/FileTypeCatalogue.h"
 
+#include <QRegularExpression>
+
 #include <array>
 
 namespace FileTypeCatalogue {
@@ -117,10 +119,24 @@ bool admits(const QString &fileName, const QString &filterCode, const QString &i
     return false;
 }
 
-QString enumerationPattern(const QString &filterCode)
+QStringList admittedExtensions(const QString &filterCode, const QString &itemText)
 {
-    static const QStringList direct{"ICO", "BMP", "GIF", "WMF", "EMF", "CUR", "RLE", "AVI", "IVF"};
-    return direct.contains(filterCode) ? QStringLiteral("*.") + filterCode : QStringLiteral("*.*");
+    QStringList extensions;
+    if (isGroupCode(filterCode)) {
+        const QString list = itemText.toUpper();
+        const qsizetype start = list.indexOf(QLatin1Char('|'));
+        if (start < 0)
+            return {};
+        for (const QString &pattern : list.mid(start).split(QRegularExpression(QStringLiteral("[;|]")), Qt::SkipEmptyParts))
+            if (pattern.startsWith(QStringLiteral("*.")))
+                extensions.append(pattern.mid(2));
+        return extensions;
+    }
+    for (const SingleType &type : SingleTypes)
+        if (filterCode == QLatin1String(type.code))
+            for (const char *ext : type.extensions)
+                extensions.append(QLatin1String(ext));
+    return extensions;
 }
 
 QString normalisedTypeCode(const QString &extension)

@@ -43,9 +43,9 @@ QString filterCodeOfItem(const QString &itemText);
 // the selected item text, which carries the pattern list.
 bool admits(const QString &fileName, const QString &filterCode, const QString &itemText);
 
-// The enumeration pattern for a filter: "*.BMP" for the one-extension codes,
-// "*.*" for the rest (names are then tested one by one).
-QString enumerationPattern(const QString &filterCode);
+// The extensions a filter admits, for testing many names at once; the
+// same answers as admits().
+QStringList admittedExtensions(const QString &filterCode, const QString &itemText);
 
 // "JPEG" -> "JPG", "MOV" -> "QT", "LSX" -> "ASF", ...; others unchanged.
 QString normalisedTypeCode(const QString &extension);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -30,9 +31,7 @@ public:
 private:
     struct Directory;
     std::unique_ptr<Directory> m_directory;
-    QString m_filterCode;
-    QString m_itemText;
-    QString m_suffixFilter; // ".BMP" for one-extension filters, else empty
+    QSet<QString> m_extensions; // upper case, as extensionOf gives them
     QStringList m_names;
     double m_totalBytes = 0;
     bool m_done = false;

@@ -1,0 +1,131 @@
+// Listing a large folder, and showing a large JPEG in fit mode.
+#include "bench/BenchTable.h"
+
+#include "core/AppState.h"
+#include "core/FileTypeCatalogue.h"
+#include "core/MessageCatalogue.h"
+#include "core/SettingsStore.h"
+#include "platform/DataFolder.h"
+#include "platform/Launcher.h"
+#include "platform/Prompts.h"
+#include "viewer/FolderListing.h"
+#include "viewer/frmMain.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QPainter>
+#include <QRadioButton>
+#include <QTemporaryDir>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace {
+
+class SilentPrompts : public Prompts {
+public:
+    PromptAnswer ask(const PromptMessage &) override { return PromptAnswer::Cancel; }
+    QString chooseLanguage(const QString &) override { return QStringLiteral("EN"); }
+    QString chooseFolder(const QString &, const QString &) override { return {}; }
+};
+
+class NoLauncher : public Launcher {
+public:
+    LaunchResult start(const QString &, const QStringList &) override { return {}; }
+    bool isRunning(qint64) const override { return false; }
+};
+
+void makeLargeFolder(const QString &folder, int count)
+{
+    static const char *suffixes[] = {".jpg", ".bmp", ".txt", ".avi", ".gif", ".doc", ".mpg", ".png"};
+    QByteArray name;
+    for (int i = 0; i < count; ++i) {
+        name = QFile::encodeName(folder) + "/file_" + QByteArray::number(i) + suffixes[i % 8];
+        const int fd = ::open(name.constData(), O_CREAT | O_WRONLY, 0644);
+        if (fd >= 0) {
+            ::write(fd, "data", 4);
+            ::close(fd);
+        }
+    }
+}
+
+// What any program must do to list a folder with sizes.
+qint64 plainReaddirAndStat(const QString &folder)
+{
+    DIR *dir = opendir(QFile::encodeName(folder).constData());
+    qint64 total = 0;
+    const int fd = dirfd(dir);
+    while (const dirent *entry = readdir(dir)) {
+        struct stat info;
+        if (fstatat(fd, entry->d_name, &info, 0) == 0)
+            total += info.st_size;
+    }
+    closedir(dir);
+    return total;
+}
+
+void listingBench(BenchTable &table)
+{
+    QTemporaryDir dir;
+    makeLargeFolder(dir.path(), 100000);
+    const QString item = FileTypeCatalogue::typeFilterItems({}).first();
+    plainReaddirAndStat(dir.path()); // warm the cache for both
+    const double theirs = bestOf(5, [&] { plainReaddirAndStat(dir.path()); });
+    const double ours = bestOf(5, [&] { FolderListing::listAll(dir.path(), "ALLSUP", item); });
+    table.add({"list 100,000 files under All Supported", "readdir + stat of the same folder", ours, theirs});
+}
+
+QString makeLargeJpeg(const QString &folder, const QString &name)
+{
+    QImage picture(6000, 4000, QImage::Format_RGB32); // 24 megapixels
+    QPainter painter(&picture);
+    QLinearGradient gradient(0, 0, 6000, 4000);
+    gradient.setColorAt(0, QColor(30, 90, 160));
+    gradient.setColorAt(1, QColor(240, 200, 80));
+    painter.fillRect(picture.rect(), gradient);
+    for (int i = 0; i < 400; ++i)
+        painter.fillRect(QRect((i * 7919) % 6000, (i * 104729) % 4000, 180, 120), QColor::fromHsv(i % 360, 160, 200));
+    painter.end();
+    const QString path = folder + '/' + name;
+    picture.save(path, "JPEG", 90);
+    return path;
+}
+
+void fitDisplayBench(BenchTable &table)
+{
+    QTemporaryDir dir;
+    const QString path = makeLargeJpeg(dir.path(), "large.jpg");
+    QTemporaryDir config;
+    IniSettingsStore settings(config.path() + "/Vimora.ini");
+    settings.write("UserDef", "Language", "EN");
+    MessageCatalogue messages;
+    AppState state(settings, messages);
+    state.ProgramFolder = DataFolder::locate(QCoreApplication::applicationDirPath());
+    SilentPrompts prompts;
+    NoLauncher launcher;
+    frmMain window(state, prompts, launcher);
+    window.resize(1280, 1024);
+    window.Form_Load(path);
+    window.Option1[0]->setChecked(true);
+    QCoreApplication::processEvents();
+
+    const double ours = bestOf(3, [&] {
+        window.Mostra_Image(false, path, true);
+        window.repaint();
+    });
+    const double reference = bestOf(3, [&] {
+        QImage full;
+        full.load(path);
+    });
+    table.add({"Mostra_Image, 24 MP JPEG, fit mode, 1280 x 1024", "QImage full decode of the same file", ours, reference});
+}
+
+} // namespace
+
+QList<Bench> allBenches()
+{
+    return {{"listing", listingBench}, {"fit-display", fitDisplayBench}};
+}
