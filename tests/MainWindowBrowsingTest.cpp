@@ -10,6 +10,8 @@
 #include <QToolButton>
 #include <QTreeView>
 
+#include <unistd.h>
+
 namespace {
 
 QStringList tenPictures()
@@ -211,4 +213,22 @@ TEST(MainWindowBrowsing, PictureThatDoesNotDecodeLeavesTheAreaEmptySilently)
     EXPECT_FALSE(window.ImgEgg->isVisible());
     EXPECT_TRUE(fixture.prompts.asked.isEmpty());
     EXPECT_EQ(window.LabNum->text(), " 1/2 ");
+}
+
+TEST(MainWindowBrowsing, UnreadableFolderAsksRetryThenListsNothing)
+{
+    if (geteuid() == 0)
+        GTEST_SKIP() << "root reads every folder, so no folder can be made unreadable";
+    MainWindowFixture fixture;
+    const QString locked = fixture.makeFolder("locked");
+    fixture.makeFiles(locked, {"a.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start();
+    QFile::setPermissions(locked, QFileDevice::WriteOwner);
+    fixture.prompts.answers = {PromptAnswer::Retry, PromptAnswer::Cancel};
+    pickInTree(window, locked);
+    QFile::setPermissions(locked, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    ASSERT_EQ(fixture.prompts.asked.size(), 2);
+    EXPECT_TRUE(fixture.prompts.asked[0].text.startsWith("Error reading Drive "));
+    EXPECT_TRUE(fixture.state->listIsEmpty());
 }

@@ -175,3 +175,20 @@ TEST(MainWindowLifecycle, EveryControlHasAnAccessibleName)
                                                           << control->metaObject()->className();
     }
 }
+
+TEST(MainWindowLifecycle, StoredFolderOnANetworkMountOrOpticalDriveIsNotReopened)
+{
+    for (const bool network : {true, false}) {
+        MainWindowFixture fixture;
+        const QString remote = fixture.makeFolder("remote");
+        fixture.makeFiles(remote, {"far.bmp"});
+        fixture.settings().write("UserDef", "Language", "EN");
+        fixture.settings().write("UserDef", "Path", remote);
+        const QList<Drive> drives{{"/", "", false, true, false}, {remote, "share", !network, true, network}};
+        frmMain window(*fixture.state, fixture.prompts, fixture.launcher);
+        window.setDriveSource([&] { return drives; });
+        window.Form_Load({});
+        EXPECT_EQ(fixture.state->CurrentFolder + '/', fixture.programFolder()) << (network ? "network" : "optical");
+        window.close();
+    }
+}

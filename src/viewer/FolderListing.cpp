@@ -4,6 +4,7 @@
 
 #include <QCollator>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocale>
 
 #include <algorithm>
@@ -29,10 +30,12 @@ FolderListing::FolderListing(const QString &folder, const QString &filterCode, c
     m_extensions = QSet<QString>(extensions.begin(), extensions.end());
     m_directory->handle = opendir(QFile::encodeName(folder).constData());
     m_done = m_directory->handle == nullptr;
+    m_unreadable = m_done && QFileInfo(folder).isDir();
 }
 
 FolderListing::~FolderListing() = default;
 FolderListing::FolderListing(FolderListing &&) noexcept = default;
+FolderListing &FolderListing::operator=(FolderListing &&) noexcept = default;
 
 bool FolderListing::done() const { return m_done; }
 

@@ -19,6 +19,8 @@ public:
     // is complete (the names are then sorted).
     bool step(int maxEntries);
     bool done() const;
+    // The folder exists but could not be read (no permission, I/O error).
+    bool unreadable() const { return m_unreadable; }
 
     const QStringList &names() const { return m_names; }
     double totalBytes() const { return m_totalBytes; }
@@ -27,6 +29,7 @@ public:
     static FolderListing listAll(const QString &folder, const QString &filterCode, const QString &filterItemText);
 
     FolderListing(FolderListing &&) noexcept;
+    FolderListing &operator=(FolderListing &&) noexcept;
 
 private:
     struct Directory;
@@ -35,6 +38,7 @@ private:
     QStringList m_names;
     double m_totalBytes = 0;
     bool m_done = false;
+    bool m_unreadable = false;
 };
 
 // The count of files, five blanks, then their size: "3     2 K", "0     0 byte".

@@ -13,6 +13,7 @@
 #include <QComboBox>
 #include <QFileSystemModel>
 #include <QFrame>
+#include <QAbstractItemView>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -267,9 +268,22 @@ void frmMain::connectHandlers()
                 Option1_Click();
         });
 
+    CboURL->view()->installEventFilter(this); // opening the history list
+
     connect(cmdUp, &QToolButton::clicked, this, &frmMain::cmdUp_Click);
     connect(cmdRefr, &QToolButton::clicked, this, &frmMain::cmdRefr_Click);
     connect(cmdClear, &QToolButton::clicked, this, &frmMain::cmdClear_Click);
+}
+
+bool frmMain::eventFilter(QObject *watched, QEvent *event)
+{
+    // Opening the path history stops the slideshow and any thumbnail load,
+    // so the list does not change under the user's pointer.
+    if (watched == CboURL->view() && event->type() == QEvent::Show) {
+        stopSlideTimer();
+        m_state.StopPreviewLoad = true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void frmMain::ApplyLanguage()

@@ -153,6 +153,7 @@ signals:
     void listLoaded();
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -174,6 +175,7 @@ private:
     void stopSlideTimer();
     void restartSlideTimerIfOn();
     bool driveReady(const QString &folder);
+    bool askAfterReadError(const QString &folder);
     void selectDriveOf(const QString &folder);
     void setPathBoxText(const QString &text);
     void revealDir1Current();

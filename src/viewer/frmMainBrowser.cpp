@@ -46,6 +46,8 @@ void frmMain::Carica_ListaImages(QString name)
 
     setWaitCursor(true);
     FolderListing listing(m_state.CurrentFolder, m_state.TypeFilterCode, CboType->currentText());
+    while (listing.unreadable() && askAfterReadError(m_state.CurrentFolder))
+        listing = FolderListing(m_state.CurrentFolder, m_state.TypeFilterCode, CboType->currentText());
     while (!listing.step(NamesPerTurn)) {
         QCoreApplication::processEvents();
         if (generation != m_listGeneration)
@@ -363,6 +365,19 @@ void frmMain::selectDriveOf(const QString &folder)
     if (index >= 0)
         Drive1->setCurrentIndex(index);
     m_state.BrowserReady = ready;
+}
+
+// A folder that cannot be read: Retry tries again, Cancel lists nothing.
+bool frmMain::askAfterReadError(const QString &folder)
+{
+    const QString drive = driveOf(folder, m_listDrives());
+    const QString text = m_state.messages.GetMsg(1003, QStringLiteral("Error reading Drive")) + QLatin1Char(' ')
+        + (drive.isEmpty() ? folder : drive);
+    setWaitCursor(false);
+    const bool retry =
+        m_prompts.ask({text, PromptButtons::RetryCancel, PromptIcon::Question, 2}) == PromptAnswer::Retry;
+    setWaitCursor(true);
+    return retry;
 }
 
 // The drive check with its Retry/Cancel question; Cancel goes back to the
