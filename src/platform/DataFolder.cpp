@@ -26,6 +26,11 @@ QString locate(const QString &executableFolder)
     const QString beside = withSlash(executableFolder);
     if (QFileInfo::exists(beside + QStringLiteral("PRMSG")))
         return beside;
+    // An installed copy moved to another prefix finds its data folder
+    // relative to itself first.
+    const QString relative = QDir::cleanPath(beside + QStringLiteral("../share/vimora")) + QLatin1Char('/');
+    if (QFileInfo::exists(relative + QStringLiteral("PRMSG")))
+        return relative;
     return withSlash(QStringLiteral(VIMORA_DATA_DIR));
 }
 

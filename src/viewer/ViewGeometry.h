@@ -15,7 +15,7 @@ constexpr double MinWindowHeight = 3500;
 constexpr double MinWindowWidth = 5870;
 constexpr double StatusBarOffset = 690;  // status row top = height - this
 constexpr double StatusBarHeight = 690;
-constexpr double Frame1Width = 5800;     // the browser frame, centred when it fits
+constexpr double Frame1Width = 8400;     // the browser frame, centred when it fits
 constexpr double Frame1Height = 2760;
 
 // Twips per pixel from the logical DPI: 15 at 96 DPI.
@@ -37,9 +37,15 @@ struct Twips {
 
 // Frame1's left edge: centred (a little to the left) when the window is
 // wider than its minimum, else at 0.
-inline double frame1Left(double windowWidth)
+inline double frame1Left(double windowWidth, double frameWidth)
 {
-    return windowWidth > MinWindowWidth ? (windowWidth - Frame1Width) / 2 - 50 : 0;
+    return windowWidth > MinWindowWidth ? (windowWidth - frameWidth) / 2 - 50 : 0;
+}
+
+// The frame narrows with a narrow window rather than being cut off.
+inline double frame1Width(double windowWidth)
+{
+    return windowWidth < Frame1Width + 100 ? windowWidth - 100 : Frame1Width;
 }
 
 } // namespace ViewGeometry

@@ -5,6 +5,7 @@
 #include "core/MessageCatalogue.h"
 #include "platform/DataFolder.h"
 #include "platform/MoviePlayer.h"
+#include "viewer/FilterItemDelegate.h"
 #include "viewer/PictureView.h"
 
 #include <QAction>
@@ -106,6 +107,7 @@ void frmMain::buildControls()
     CboURL->setMaxCount(41);
     CboURL->setCompleter(nullptr); // completion follows the history rules, not Qt's
     CboType = named(new QComboBox(Frame1), "CboType");
+    CboType->setItemDelegate(new FilterItemDelegate(CboType));
     cmdClear = toolButton("cmdClear", "edit-clear-history");
     cmdUp = toolButton("cmdUp", "go-up");
     cmdRefr = toolButton("cmdRefr", "view-refresh");
@@ -269,6 +271,7 @@ void frmMain::connectHandlers()
         });
 
     CboURL->view()->installEventFilter(this); // opening the history list
+    CboType->view()->installEventFilter(this);
 
     connect(cmdUp, &QToolButton::clicked, this, &frmMain::cmdUp_Click);
     connect(cmdRefr, &QToolButton::clicked, this, &frmMain::cmdRefr_Click);
@@ -282,6 +285,16 @@ bool frmMain::eventFilter(QObject *watched, QEvent *event)
     if (watched == CboURL->view() && event->type() == QEvent::Show) {
         stopSlideTimer();
         m_state.StopPreviewLoad = true;
+    }
+    // Qt widens the open filter list to its longest item text, codes and
+    // pattern lists included; keep it to the labels the delegate draws.
+    if (watched == CboType->view() && event->type() == QEvent::Show) {
+        QWidget *popup = CboType->view()->window();
+        const int wanted = qMax(CboType->width(), CboType->view()->sizeHintForColumn(0) + 24);
+        if (popup->width() > wanted) {
+            popup->resize(wanted, popup->height());
+            popup->move(CboType->mapToGlobal(QPoint(0, CboType->height())).x(), popup->y());
+        }
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -24,12 +24,12 @@ using namespace ViewGeometry;
 // left; path box, filter, switches and the command buttons on the right.
 void frmMain::layoutFrame1()
 {
-    const int frameWidth = m_twips.toPixelsX(Frame1Width);
+    const int frameWidth = m_twips.toPixelsX(frame1Width(m_twips.fromPixelsX(width())));
     const int frameHeight = m_twips.toPixelsY(Frame1Height);
     Frame1->resize(frameWidth, frameHeight);
 
     constexpr int gap = 2, button = 26, row = 26;
-    const int leftWidth = frameWidth / 2 - gap;
+    const int leftWidth = frameWidth * 2 / 5 - gap;
     Drive1->setGeometry(gap, gap, leftWidth, 24);
     Dir1->setGeometry(gap, 28, leftWidth, frameHeight - 30);
 
@@ -79,7 +79,9 @@ void frmMain::Form_Resize()
     FraFondoTop->setGeometry(m_twips.toPixels(0, 0, windowWidth, DisplayTop));
     FraFondoBot->setGeometry(
         m_twips.toPixels(0, windowHeight - StatusBarOffset, windowWidth, StatusBarHeight));
-    Frame1->move(m_twips.toPixelsX(frame1Left(windowWidth)), m_twips.toPixelsY(40));
+    layoutFrame1();
+    Frame1->move(m_twips.toPixelsX(frame1Left(windowWidth, m_twips.fromPixelsX(Frame1->width()))),
+                 m_twips.toPixelsY(40));
     if (const QScreen *screen = this->screen())
         ImgWall->setGeometry(QRect(QPoint(0, 0), screen->size()));
     ImgWall->lower();
