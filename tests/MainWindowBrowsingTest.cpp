@@ -147,9 +147,12 @@ TEST(MainWindowBrowsing, UpAndRefresh)
     EXPECT_EQ(fixture.state->CurrentFolder, parent);
     EXPECT_EQ(window.windowTitle(), " p.bmp  - Vimora ");
 
-    fixture.makeFiles(parent, {"q.bmp"});
+    fixture.makeFiles(parent, {"o.bmp", "q.bmp"});
     window.cmdRefr->click();
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"p.bmp", "q.bmp"}));
+    EXPECT_EQ(fixture.state->FileNames, QStringList({"o.bmp", "p.bmp", "q.bmp"}));
+    EXPECT_EQ(window.windowTitle(), " p.bmp  - Vimora "); // the same file, now second
+    EXPECT_EQ(window.LabNum->text(), " 2/3 ");
+    EXPECT_TRUE(window.ImgEgg->isVisible());
 }
 
 TEST(MainWindowBrowsing, OpticalDriveWithoutDiscAsksRetryThenCancel)

@@ -292,6 +292,8 @@ void frmMain::cmdUp_Click()
 
 void frmMain::cmdRefr_Click()
 {
+    // The file on show comes back after the re-read, a movie where it was.
+    const double position = m_state.MainMovieLoaded ? MediaPlayer1->CurrentPosition() : 0;
     clearDisplay();
     m_state.KeepDisplay = true;
     const QString folder = m_state.CurrentFolder;
@@ -305,7 +307,12 @@ void frmMain::cmdRefr_Click()
     else
         setDir1Path(folder);
     m_state.KeepDisplay = false;
-    showStatusLabels();
+    if (m_state.listIsEmpty())
+        return;
+    const QString name = m_state.FileNames.contains(m_state.CurrentFileName, Qt::CaseInsensitive)
+        ? m_state.CurrentFileName
+        : m_state.FileNames.first();
+    Mostra_Image(false, name, false, position);
 }
 
 // Text put in the path box by the program is not typing: no completion.
