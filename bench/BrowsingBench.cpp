@@ -16,6 +16,7 @@
 #include <QFile>
 #include <QImage>
 #include <QPainter>
+#include <QProcess>
 #include <QRadioButton>
 #include <QTemporaryDir>
 
@@ -121,6 +122,15 @@ void fitDisplayBench(BenchTable &table)
         full.load(path);
     });
     table.add({"Mostra_Image, 24 MP JPEG, fit mode, 1280 x 1024", "QImage full decode of the same file", ours, reference});
+    auto djpeg = [&](const QStringList &scale) {
+        return bestOf(3, [&] {
+            QProcess::execute("djpeg", scale + QStringList{"-outfile", "/dev/null", path});
+        });
+    };
+    table.add({"Mostra_Image, 24 MP JPEG, fit mode, 1280 x 1024", "djpeg -scale 1/4 (process included)", ours,
+               djpeg({"-scale", "1/4"})});
+    table.add({"Mostra_Image, 24 MP JPEG, fit mode, 1280 x 1024", "djpeg full size (process included)", ours,
+               djpeg({})});
 }
 
 } // namespace

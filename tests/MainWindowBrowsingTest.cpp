@@ -235,3 +235,26 @@ TEST(MainWindowBrowsing, UnreadableFolderAsksRetryThenListsNothing)
     EXPECT_TRUE(fixture.prompts.asked[0].text.startsWith("Error reading Drive "));
     EXPECT_TRUE(fixture.state->listIsEmpty());
 }
+
+TEST(MainWindowBrowsing, FitModeDecodesSmallAndActualSizeReloadsInFull)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("large");
+    QImage large(4000, 3000, QImage::Format_RGB32);
+    large.fill(Qt::darkCyan);
+    ASSERT_TRUE(large.save(folder + "/large.jpg", "JPEG"));
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/large.jpg");
+    window.resize(1000, 800);
+    window.mnufit_Click();
+    window.Mostra_Image(false, "large.jpg");
+
+    EXPECT_EQ(window.ImgEgg->naturalSize(), QSize(4000, 3000));
+    EXPECT_LT(window.ImgEgg->picture().width(), 4000); // decoded at a reduced scale
+    EXPECT_TRUE(window.LabPix->text().startsWith(" 4000 x 3000 ("));
+
+    window.mnuFull_Click();
+    EXPECT_EQ(window.ImgEgg->picture().size(), QSize(4000, 3000));
+    EXPECT_EQ(window.ImgEgg->size(), QSize(4000, 3000));
+    EXPECT_EQ(window.LabZoom->text(), " 100% ");
+}

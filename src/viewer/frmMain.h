@@ -180,6 +180,7 @@ private:
     void setPathBoxText(const QString &text);
     void revealDir1Current();
     void showPicture(const QString &path);
+    void resizePicture(QSize shown);
     void showMovie(const QString &path, double startPosition);
     void fitOrActualSize();
     void chooseViewMode(int option);

@@ -140,10 +140,29 @@ void frmMain::showPicture(const QString &path)
     MediaPlayer1->hide();
     WebBrowser1->hide();
     m_zoomPercent = 0; // the next picture shows in the mode of Option1
-    const PictureLoader::Picture loaded = PictureLoader::load(path);
+    // Fit mode never shows more pixels than the display area has, so a large
+    // JPEG is decoded at a reduced scale; a zoom reloads it at full size.
+    PictureLoader::Options options;
+    if (Option1[0]->isChecked())
+        options.fitInto = QSize(width(), height()) * devicePixelRatio();
+    const PictureLoader::Picture loaded = PictureLoader::load(path, options);
     ImgEgg->setPicture(loaded.image, loaded.naturalSize);
     fitOrActualSize();
     ImgEgg->setVisible(!loaded.image.isNull());
+}
+
+// Sizes the picture control, reloading the picture at full size first when
+// it was decoded smaller than it is now shown.
+void frmMain::resizePicture(QSize shown)
+{
+    const QSize held = ImgEgg->picture().size();
+    const QSize needed = shown * devicePixelRatio();
+    if (held.width() < needed.width() && held.width() < ImgEgg->naturalSize().width()) {
+        const PictureLoader::Picture full = PictureLoader::load(m_state.currentPath());
+        if (!full.isNull())
+            ImgEgg->setPicture(full.image, full.naturalSize);
+    }
+    ImgEgg->resize(qMax(1, shown.width()), qMax(1, shown.height()));
 }
 
 void frmMain::showMovie(const QString &path, double startPosition)

@@ -45,7 +45,7 @@ void frmMain::ZoomTo(int percent)
         }
     } else if (!ImgEgg->naturalSize().isEmpty()) {
         const QSize natural = ImgEgg->naturalSize();
-        ImgEgg->resize(qMax(1, int(natural.width() * percent / 100.0)), qMax(1, int(natural.height() * percent / 100.0)));
+        resizePicture(QSize(int(natural.width() * percent / 100.0), int(natural.height() * percent / 100.0)));
         updateSizeTexts();
         Centra_Image(ImgEgg);
         ImgEgg->show();
@@ -99,10 +99,10 @@ void frmMain::fitOrActualSize()
         if (ratio > 0)
             percent = int(std::lround(ratio * 100));
         const QSizeF shown = ratio > 0 ? pictureTwips * ratio : pictureTwips;
-        ImgEgg->resize(qMax(1, m_twips.toPixelsX(shown.width())), qMax(1, m_twips.toPixelsY(shown.height())));
+        resizePicture(QSize(m_twips.toPixelsX(shown.width()), m_twips.toPixelsY(shown.height())));
         m_fitPercent = percent;
     } else {
-        ImgEgg->resize(natural);
+        resizePicture(natural);
     }
     updateSizeTexts();
     LabZoom->setText(ViewRules::zoomLabel(percent));
