@@ -19,6 +19,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
@@ -106,6 +107,7 @@ void frmMain::buildControls()
     CboURL->setInsertPolicy(QComboBox::NoInsert);
     CboURL->setMaxCount(41);
     CboURL->setCompleter(nullptr); // completion follows the history rules, not Qt's
+    CboURL->lineEdit()->setAcceptDrops(false); // a dropped file opens, it is not typed
     CboType = named(new QComboBox(Frame1), "CboType");
     CboType->setItemDelegate(new FilterItemDelegate(CboType));
     cmdClear = toolButton("cmdClear", "edit-clear-history");
@@ -122,6 +124,7 @@ void frmMain::buildControls()
     txtTime = named(new QLineEdit(Frame1), "txtTime");
     txtTime->setReadOnly(true); // typing changes nothing; the scroll bar sets it
     txtTime->setAlignment(Qt::AlignCenter);
+    txtTime->setAcceptDrops(false);
     ChkAuto = named(new QCheckBox(Frame1), "ChkAuto");
     chkAnim = named(new QCheckBox(QStringLiteral("GIF"), Frame1), "chkAnim");
 
@@ -154,8 +157,8 @@ void frmMain::buildControls()
     static const char *lineNames[] = {"SelLineAnchorH", "SelLineMovingH", "SelLineAnchorV", "SelLineMovingV"};
     for (int i = 0; i < 4; ++i) {
         SelLines[i] = named(new QFrame(this), lineNames[i]);
-        SelLines[i]->setFrameShape(QFrame::Box);
-        SelLines[i]->setStyleSheet(QStringLiteral("border: 1px dashed #ff3030;"));
+        SelLines[i]->setStyleSheet(QStringLiteral("background: #ff3030;"));
+        SelLines[i]->setAttribute(Qt::WA_TransparentForMouseEvents);
         SelLines[i]->hide();
     }
     LabMis = statusLabel(this, "LabMis");
@@ -258,6 +261,10 @@ void frmMain::connectHandlers()
     });
     connect(CboURL, &QComboBox::activated, this, [this] { CboURL_Click(); });
     connect(CboURL, &QComboBox::editTextChanged, this, [this] { CboURL_Change(); });
+    connect(cmdRitaglia, &QToolButton::clicked, this, &frmMain::cmdRitaglia_Click);
+    connect(ImgEgg, &PictureView::pressed, this, &frmMain::ImgEgg_MouseDown);
+    connect(ImgEgg, &PictureView::moved, this, &frmMain::ImgEgg_MouseMove);
+    connect(ImgEgg, &PictureView::released, this, &frmMain::ImgEgg_MouseUp);
     connect(cmdExpand, &QToolButton::clicked, this, &frmMain::cmdExpand_Click);
     connect(cmdReduce, &QToolButton::clicked, this, &frmMain::cmdReduce_Click);
     for (QAction *item : mnuZoomItems)
@@ -272,6 +279,9 @@ void frmMain::connectHandlers()
 
     CboURL->view()->installEventFilter(this); // opening the history list
     CboType->view()->installEventFilter(this);
+    LabMis->installEventFilter(this);
+    Frame1->installEventFilter(this);
+    FraFondoTop->installEventFilter(this);
 
     connect(cmdUp, &QToolButton::clicked, this, &frmMain::cmdUp_Click);
     connect(cmdRefr, &QToolButton::clicked, this, &frmMain::cmdRefr_Click);
@@ -295,6 +305,20 @@ bool frmMain::eventFilter(QObject *watched, QEvent *event)
             popup->resize(wanted, popup->height());
             popup->move(CboType->mapToGlobal(QPoint(0, CboType->height())).x(), popup->y());
         }
+    }
+    // Over the controls the pointer is the ordinary one, unless cropping.
+    if ((watched == Frame1 || watched == FraFondoTop) && event->type() == QEvent::Enter
+        && !m_state.CropSelectionActive)
+        unsetCursor();
+    // The size label over a selection: a click drops the selection, the
+    // right button opens the crop menu.
+    if (watched == LabMis && event->type() == QEvent::MouseButtonPress) {
+        const auto *press = static_cast<QMouseEvent *>(event);
+        if (press->button() == Qt::RightButton)
+            showContextMenu(press->globalPosition().toPoint());
+        else
+            ClearCropSelection();
+        return true;
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -2,7 +2,9 @@
 
 #include "platform/Drives.h"
 #include "viewer/ViewGeometry.h"
+#include "viewer/ZoomRules.h"
 
+#include <QLineF>
 #include <QWidget>
 
 #include <array>
@@ -138,6 +140,19 @@ public:
     void TimerImage_Timer();
 
     void ClearCropSelection();
+    void DropFile(const QString &path);
+
+    // Crop selection and pan.
+    void cmdRitaglia_Click();
+    void Clip_Punto_Inizio(QWidget *target, QPointF at); // at: twips from the target's corner
+    void Clip_Punto_Fine(QWidget *target, QPointF at);
+    void UpdateSelectionLabel(QWidget *target);
+    void Img_Punto_Inizio(QWidget *target, QPoint globalPosition);
+    void Img_Punto_Fine(QWidget *target, QPoint globalPosition);
+    void ImgEgg_MouseDown(QMouseEvent *event);
+    void ImgEgg_MouseMove(QMouseEvent *event);
+    void ImgEgg_MouseUp(QMouseEvent *event);
+    QRectF selectionRect() const { return ZoomRules::selectionRect(m_selAnchor, m_selEnd); }
 
     // View geometry and zoom.
     void cmdExpand_Click();
@@ -157,6 +172,12 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     void buildControls();
@@ -165,6 +186,7 @@ private:
     void layoutFrame1();
     void Form_Resize();
     void layoutStatusRow();
+    void keepInsideWorkArea();
     void SaveUserSettings();
     void fillTypeFilterList();
     void fillDrives();
@@ -188,6 +210,15 @@ private:
     QSizeF windowTwips() const;
     void Centra_Image(QWidget *target);
     void setWaitCursor(bool on);
+    QPointF targetOrigin(QWidget *target) const;
+    QSizeF targetSize(QWidget *target) const;
+    QWidget *cropTarget() const;
+    bool windowInNormalState() const;
+    bool pictureFitsArea() const;
+    void moveSelectionCorner(QWidget *target, QPointF at);
+    void placeSelectionLines();
+    void panTo(QWidget *target, QPoint globalPosition);
+    void showContextMenu(QPoint globalPosition);
 
     AppState &m_state;
     Prompts &m_prompts;
@@ -204,6 +235,14 @@ private:
     double m_fitPercent = 100;
     double m_zoomPercent = 0;      // 0: the mode of Option1 applies
     bool m_modeClickLive = true;
+    bool m_resizeGuard = false;
+    std::array<QLineF, 4> m_selLines;  // twips of the form: anchor H, moving H, anchor V, moving V
+    QPointF m_selAnchor, m_selEnd;      // twips from the target's corner
+    bool m_selectionDragging = false;
+    QString m_savedToolTip;
+    bool m_panActive = false;
+    QPoint m_panStartGlobal;
+    QPointF m_panStartOrigin;
     double m_savedMoviePosition = 0;
     QString m_fileSizeDisplay;
     int m_listGeneration = 0;       // a new list load cancels the running one

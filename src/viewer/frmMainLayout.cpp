@@ -73,6 +73,7 @@ void frmMain::Form_Resize()
 {
     if (isMinimized())
         return;
+    keepInsideWorkArea();
     const double windowWidth = m_twips.fromPixelsX(width());
     const double windowHeight = m_twips.fromPixelsY(height());
 
@@ -96,6 +97,23 @@ void frmMain::Form_Resize()
         fitOrActualSize();
     Centra_Image(ImgEgg);
     layoutStatusRow();
+}
+
+// A window reaching past the desktop's work area is shortened to fit it.
+void frmMain::keepInsideWorkArea()
+{
+    const QScreen *screen = this->screen();
+    if (m_resizeGuard || !screen || !isVisible() || isMaximized() || isFullScreen())
+        return;
+    const QRect work = screen->availableGeometry();
+    const QRect frame = frameGeometry();
+    const int tooTall = frame.bottom() - work.bottom();
+    const int tooWide = frame.right() - work.right();
+    if (tooTall <= 0 && tooWide <= 0)
+        return;
+    m_resizeGuard = true;
+    resize(qMax(minimumWidth(), width() - qMax(0, tooWide)), qMax(minimumHeight(), height() - qMax(0, tooTall)));
+    m_resizeGuard = false;
 }
 
 void frmMain::Centra_Image(QWidget *target)

@@ -84,21 +84,10 @@ void frmMain::restartSlideTimerIfOn()
         TimerImage->start(m_state.SlideSeconds * 1000);
 }
 
-void frmMain::ClearCropSelection()
-{
-    if (!m_state.CropSelectionActive)
-        return;
-    m_state.CropSelectionActive = false;
-    for (QFrame *line : SelLines)
-        line->hide();
-    LabMis->hide();
-    MediaPlayer1->setContextMenuEnabled(true);
-    MediaPlayer1->setVideoCursor(Qt::ArrowCursor);
-}
-
 void frmMain::keyPressEvent(QKeyEvent *event)
 {
     const int key = event->key();
+    const bool keypad = event->modifiers() & Qt::KeypadModifier;
     const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
     const bool plain = modifiers == Qt::NoModifier;
     const bool alt = modifiers == Qt::AltModifier;
@@ -147,8 +136,18 @@ void frmMain::keyPressEvent(QKeyEvent *event)
         ApplyLanguage();
         fillTypeFilterList();
     }
+    if (plain && keypad && key == Qt::Key_Plus)
+        cmdExpand_Click();
+    if (plain && keypad && key == Qt::Key_Minus)
+        cmdReduce_Click();
     if (plain && key == Qt::Key_F5)
         cmdRefr_Click();
+    if (plain && key == Qt::Key_F6)
+        cmdRitaglia_Click();
+    if (alt && key == Qt::Key_L && !m_state.FullScreenActive)
+        mnuFull_Click();
+    if (alt && key == Qt::Key_F && !m_state.FullScreenActive)
+        mnufit_Click();
     if (plain && key == Qt::Key_F4)
         CboURL->setFocus();
     if (alt && key == Qt::Key_O)

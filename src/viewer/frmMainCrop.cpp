@@ -1,0 +1,274 @@
+#include "viewer/frmMain.h"
+
+#include "core/AppState.h"
+#include "platform/MoviePlayer.h"
+#include "viewer/PictureView.h"
+#include "viewer/ZoomRules.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QFrame>
+#include <QLabel>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QTimer>
+
+#include <cmath>
+
+namespace {
+constexpr double TwipsPerMillimetre = 1440.0 / 25.4;
+enum Line { AnchorH, MovingH, AnchorV, MovingV };
+} // namespace
+
+void frmMain::cmdRitaglia_Click()
+{
+    if (m_state.FileTypeCode == u"GIF" && m_state.AnimateGifs && WebBrowser1->isVisible())
+        return; // an animation cannot be cropped
+    if (m_state.CropSelectionActive)
+        ClearCropSelection();
+    m_state.CropSelectionActive = true;
+    setCursor(Qt::CrossCursor);
+    cmdTrucco->setFocus();
+}
+
+void frmMain::ClearCropSelection()
+{
+    if (!m_state.CropSelectionActive)
+        return;
+    m_state.CropSelectionActive = false;
+    m_selectionDragging = false;
+    for (QFrame *line : SelLines)
+        line->hide();
+    LabMis->hide();
+    ImgEgg->setToolTip(m_savedToolTip.isEmpty() ? ImgEgg->toolTip() : m_savedToolTip);
+    MediaPlayer1->setContextMenuEnabled(true);
+    MediaPlayer1->setVideoCursor(Qt::ArrowCursor);
+    unsetCursor();
+}
+
+// The picture's or the player's top-left corner, in twips of the form.
+QPointF frmMain::targetOrigin(QWidget *target) const
+{
+    return {m_twips.fromPixelsX(target->x()), m_twips.fromPixelsY(target->y())};
+}
+
+QSizeF frmMain::targetSize(QWidget *target) const
+{
+    return {m_twips.fromPixelsX(target->width()), m_twips.fromPixelsY(target->height())};
+}
+
+QWidget *frmMain::cropTarget() const
+{
+    return m_state.MainMovieLoaded ? static_cast<QWidget *>(MediaPlayer1) : static_cast<QWidget *>(ImgEgg);
+}
+
+bool frmMain::windowInNormalState() const { return !isMaximized() && !isMinimized() && !isFullScreen(); }
+
+void frmMain::Clip_Punto_Inizio(QWidget *target, QPointF at)
+{
+    if (!target->toolTip().isEmpty())
+        m_savedToolTip = target->toolTip();
+    if (!windowInNormalState())
+        return;
+    m_selAnchor = at;
+    const QPointF corner = targetOrigin(target) + at;
+    for (QLineF &line : m_selLines)
+        line = QLineF(corner, corner);
+    placeSelectionLines();
+    QCoreApplication::processEvents();
+    m_selectionDragging = true;
+    LabMis->show();
+}
+
+void frmMain::moveSelectionCorner(QWidget *target, QPointF at)
+{
+    const QPointF c = targetOrigin(target) + at;
+    m_selLines[AnchorH].setP2({c.x(), m_selLines[AnchorH].y2()});
+    m_selLines[MovingH] = QLineF(m_selLines[MovingH].x1(), c.y(), c.x(), c.y());
+    m_selLines[AnchorV].setP2({m_selLines[AnchorV].x2(), c.y()});
+    m_selLines[MovingV] = QLineF(c.x(), m_selLines[MovingV].y1(), c.x(), c.y());
+    placeSelectionLines();
+    UpdateSelectionLabel(target);
+}
+
+void frmMain::UpdateSelectionLabel(QWidget *target)
+{
+    const double width = (m_selLines[AnchorH].x2() - m_selLines[AnchorH].x1()) / TwipsPerMillimetre;
+    const double height = (m_selLines[MovingH].y1() - m_selLines[AnchorH].y1()) / TwipsPerMillimetre;
+    target->setToolTip(QString());
+    LabMis->setText(QLatin1Char(' ') + QString::number(ZoomRules::roundHalfEven(std::abs(width))) + QStringLiteral(" x ")
+                    + QString::number(ZoomRules::roundHalfEven(std::abs(height))) + QStringLiteral(" mm "));
+    LabMis->adjustSize();
+    LabMis->move(m_twips.toPixelsX(m_selLines[MovingH].x2()), m_twips.toPixelsY(m_selLines[MovingH].y2()));
+    LabMis->raise();
+}
+
+void frmMain::Clip_Punto_Fine(QWidget *target, QPointF at)
+{
+    unsetCursor();
+    if (!windowInNormalState())
+        return;
+    m_selectionDragging = false;
+    m_selEnd = at;
+    if (!ZoomRules::selectionBigEnough(m_selAnchor, m_selEnd)) {
+        ClearCropSelection();
+        return;
+    }
+    QCoreApplication::processEvents();
+    moveSelectionCorner(target, m_selEnd);
+    setCursor(Qt::CrossCursor); // still in crop mode: a new press starts a new rectangle
+}
+
+// Each line of the rubber band is a thin frame between its two ends.
+void frmMain::placeSelectionLines()
+{
+    for (int i = 0; i < 4; ++i) {
+        const QLineF &line = m_selLines[i];
+        const QRect ends = QRect(QPoint(m_twips.toPixelsX(line.x1()), m_twips.toPixelsY(line.y1())),
+                                 QPoint(m_twips.toPixelsX(line.x2()), m_twips.toPixelsY(line.y2())))
+                               .normalized();
+        SelLines[i]->setGeometry(ends.x(), ends.y(), qMax(2, ends.width()), qMax(2, ends.height()));
+        SelLines[i]->show();
+        SelLines[i]->raise();
+    }
+}
+
+void frmMain::Img_Punto_Inizio(QWidget *target, QPoint globalPosition)
+{
+    m_panActive = true;
+    m_panStartGlobal = globalPosition;
+    m_panStartOrigin = targetOrigin(target);
+    setCursor(Qt::SizeAllCursor);
+}
+
+// The picture follows the pointer, kept partly inside the window.
+void frmMain::panTo(QWidget *target, QPoint globalPosition)
+{
+    const QPoint moved = globalPosition - m_panStartGlobal;
+    const QPointF proposed = m_panStartOrigin + QPointF(m_twips.fromPixelsX(moved.x()), m_twips.fromPixelsY(moved.y()));
+    const QPointF at = ZoomRules::panPosition(proposed, targetSize(target), windowTwips());
+    target->move(m_twips.toPixelsX(at.x()), m_twips.toPixelsY(at.y()));
+}
+
+void frmMain::Img_Punto_Fine(QWidget *target, QPoint globalPosition)
+{
+    if (m_panActive) {
+        m_panActive = false;
+        panTo(target, globalPosition);
+        QCoreApplication::processEvents();
+    }
+    unsetCursor();
+}
+
+bool frmMain::pictureFitsArea() const
+{
+    return ZoomRules::fitsInArea(targetSize(ImgEgg), windowTwips());
+}
+
+void frmMain::ImgEgg_MouseDown(QMouseEvent *event)
+{
+    if (m_state.CurrentFileName.isEmpty())
+        return;
+    const QPointF at(m_twips.fromPixelsX(event->position().x()), m_twips.fromPixelsY(event->position().y()));
+    if (event->button() == Qt::LeftButton) {
+        if (m_state.CropSelectionActive)
+            Clip_Punto_Inizio(ImgEgg, at);
+        else if (!pictureFitsArea())
+            Img_Punto_Inizio(ImgEgg, event->globalPosition().toPoint());
+    } else if (event->button() == Qt::RightButton) {
+        showContextMenu(event->globalPosition().toPoint());
+    }
+}
+
+void frmMain::ImgEgg_MouseMove(QMouseEvent *event)
+{
+    if (!m_state.CropSelectionActive) {
+        if (m_panActive)
+            panTo(ImgEgg, event->globalPosition().toPoint());
+        else if (!pictureFitsArea())
+            setCursor(Qt::SizeAllCursor);
+        else
+            unsetCursor();
+        return;
+    }
+    if (m_selectionDragging)
+        moveSelectionCorner(ImgEgg, {m_twips.fromPixelsX(event->position().x()),
+                                     m_twips.fromPixelsY(event->position().y())});
+}
+
+void frmMain::ImgEgg_MouseUp(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    const QPointF at(m_twips.fromPixelsX(event->position().x()), m_twips.fromPixelsY(event->position().y()));
+    if (m_state.CropSelectionActive)
+        Clip_Punto_Fine(ImgEgg, at);
+    else
+        Img_Punto_Fine(ImgEgg, event->globalPosition().toPoint());
+}
+
+// Presses beside the picture in crop mode snap to its nearest edge.
+void frmMain::mousePressEvent(QMouseEvent *event)
+{
+    if (!m_state.CropSelectionActive || m_state.CurrentFileName.isEmpty()) {
+        if (event->button() == Qt::RightButton && !m_state.CurrentFileName.isEmpty())
+            showContextMenu(event->globalPosition().toPoint());
+        return;
+    }
+    QWidget *target = cropTarget();
+    const QPointF form(m_twips.fromPixelsX(event->position().x()), m_twips.fromPixelsY(event->position().y()));
+    const QPointF at = ZoomRules::clampToTarget(form - targetOrigin(target), targetSize(target));
+    if (event->button() == Qt::LeftButton)
+        Clip_Punto_Inizio(target, at);
+    else if (event->button() == Qt::RightButton)
+        showContextMenu(event->globalPosition().toPoint());
+}
+
+void frmMain::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!m_state.CropSelectionActive) {
+        unsetCursor();
+        return;
+    }
+    if (m_selectionDragging) {
+        QWidget *target = cropTarget();
+        const QPointF form(m_twips.fromPixelsX(event->position().x()), m_twips.fromPixelsY(event->position().y()));
+        moveSelectionCorner(target, ZoomRules::clampToTarget(form - targetOrigin(target), targetSize(target)));
+    }
+}
+
+void frmMain::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (!m_state.CropSelectionActive || event->button() != Qt::LeftButton || !m_selectionDragging)
+        return;
+    QWidget *target = cropTarget();
+    const QPointF form(m_twips.fromPixelsX(event->position().x()), m_twips.fromPixelsY(event->position().y()));
+    Clip_Punto_Fine(target, ZoomRules::clampToTarget(form - targetOrigin(target), targetSize(target)));
+}
+
+void frmMain::mouseDoubleClickEvent(QMouseEvent *) {}
+
+// The right-button menu: the crop menu over a selection, else the file menu.
+void frmMain::showContextMenu(QPoint globalPosition)
+{
+    unsetCursor();
+    stopSlideTimer();
+    if (m_state.IndexLoading)
+        return;
+    if (m_state.CropSelectionActive) {
+        SFCrop->popup(globalPosition);
+        return;
+    }
+    const bool movie = m_state.MainMovieLoaded;
+    for (QAction *item : {mnuPlay, mnuStop, mnuSepp})
+        item->setVisible(movie);
+    mnuStop->setEnabled(movie && (MediaPlayer1->PlayState() == MoviePlayer::Playing
+                                  || MediaPlayer1->PlayState() == MoviePlayer::Paused));
+    const bool gif = m_state.FileTypeCode == u"GIF";
+    mnuAnim->setVisible(gif);
+    mnuSepGif->setVisible(gif);
+    mnuAnim->setChecked(chkAnim->isChecked());
+    SFPOPUP->popup(globalPosition);
+}

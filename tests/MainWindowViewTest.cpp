@@ -1,0 +1,198 @@
+#include "support/MainWindowFixture.h"
+
+#include "viewer/DroppedFile.h"
+
+#include <QFrame>
+#include <QMimeData>
+#include <QTest>
+#include <QTimer>
+#include <QUrl>
+
+namespace {
+
+void dropOn(QWidget *target, const QMimeData &data)
+{
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(target, &enter);
+    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(target, &drop);
+    QCoreApplication::processEvents();
+}
+
+} // namespace
+
+TEST(MainWindowNavigation, NextOnTheLastFileWrapsOnlyInASlideshow)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("three");
+    fixture.makeFiles(folder, {"a.bmp", "b.bmp", "c.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/c.bmp");
+    window.cmdNext_Click();
+    EXPECT_EQ(window.windowTitle(), " c.bmp  - Vimora ");
+    QTest::keyClick(&window, Qt::Key_Up);
+    EXPECT_EQ(window.windowTitle(), " b.bmp  - Vimora ");
+    QTest::keyClick(&window, Qt::Key_PageDown);
+    EXPECT_EQ(window.windowTitle(), " c.bmp  - Vimora ");
+
+    window.ChkCicle->setChecked(true);
+    window.cmdNext_Click();
+    EXPECT_EQ(window.windowTitle(), " a.bmp  - Vimora ");
+    window.cmdBack_Click(); // no wrap backwards
+    EXPECT_EQ(window.windowTitle(), " a.bmp  - Vimora ");
+    // Space with the slideshow on stops it instead of moving.
+    QTest::keyClick(&window, Qt::Key_Space);
+    EXPECT_FALSE(window.ChkCicle->isChecked());
+    EXPECT_FALSE(fixture.state->SlideshowOn);
+    EXPECT_EQ(window.windowTitle(), " a.bmp  - Vimora ");
+}
+
+TEST(MainWindowNavigation, SpaceWithOneFileShowsNothingNew)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("one");
+    fixture.makeFiles(folder, {"only.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/only.bmp");
+    EXPECT_FALSE(window.cmdNext->isEnabled());
+    EXPECT_FALSE(window.cmdBack->isEnabled());
+    QTest::keyClick(&window, Qt::Key_Space);
+    EXPECT_EQ(window.LabNum->text(), " 1/1 ");
+}
+
+TEST(MainWindowNavigation, SlideshowAdvancesOnItsTimer)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("show");
+    fixture.makeFiles(folder, {"a.bmp", "b.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    fixture.settings().write("UserDef", "xTime", "1");
+    frmMain &window = fixture.start(folder + "/a.bmp");
+    window.HScroll1->setValue(1);
+    window.ChkCicle->setChecked(true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " b.bmp  - Vimora "; }, 3000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " a.bmp  - Vimora "; }, 3000));
+
+    // Changing the interval with the slideshow off does not start it.
+    window.ChkCicle->setChecked(false);
+    window.HScroll1->setValue(7);
+    EXPECT_EQ(window.txtTime->text(), "7");
+    EXPECT_FALSE(window.TimerImage->isActive());
+}
+
+TEST(MainWindowDrop, FileFromTheSameFolderAndFromAnother)
+{
+    MainWindowFixture fixture;
+    const QString here = fixture.makeFolder("here");
+    const QString there = fixture.makeFolder(QString::fromUtf8("là, où"));
+    fixture.makeFiles(here, {"a.bmp", "b.bmp", "c.jpg"});
+    fixture.makeFiles(there, {"x.bmp", QString::fromUtf8("ünïcödé.bmp")});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(here + "/a.bmp");
+    window.CboType->setCurrentIndex(5); // BMP only
+
+    QMimeData same;
+    same.setUrls({QUrl::fromLocalFile(here + "/c.jpg")});
+    dropOn(&window, same);
+    EXPECT_EQ(window.CboType->currentIndex(), 0); // back to All Supported
+    EXPECT_EQ(window.windowTitle(), " c.jpg  - Vimora ");
+
+    QMimeData other;
+    other.setUrls({QUrl::fromLocalFile(there + QString::fromUtf8("/ünïcödé.bmp"))});
+    dropOn(window.Frame1, other);
+    EXPECT_EQ(fixture.state->CurrentFolder, there);
+    EXPECT_EQ(window.windowTitle(), QString::fromUtf8(" ünïcödé.bmp  - Vimora "));
+    EXPECT_EQ(fixture.state->FileNames.size(), 2);
+}
+
+TEST(DroppedFile, UriListsAndTextWithFilePrefix)
+{
+    QMimeData uris;
+    uris.setData("text/uri-list", "file:///tmp/a%20b/%C3%A9t%C3%A9.jpg\r\nfile:///tmp/second.jpg\r\n");
+    EXPECT_EQ(droppedFilePath(uris), QString::fromUtf8("/tmp/a b/été.jpg"));
+    EXPECT_EQ(droppedTextPath("FILE:///tmp/x%20y.bmp"), "/tmp/x y.bmp");
+    EXPECT_EQ(droppedTextPath("File:/tmp/z.bmp"), "/tmp/z.bmp");
+    EXPECT_EQ(droppedTextPath("/plain/path.gif\nsecond"), "/plain/path.gif");
+}
+
+TEST(MainWindowCrop, DragFromRightToLeftGivesAPositiveRectangle)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("crop");
+    QImage picture(600, 400, QImage::Format_RGB32);
+    picture.fill(Qt::gray);
+    picture.save(folder + "/wide.bmp");
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/wide.bmp");
+    window.resize(1000, 800);
+    QCoreApplication::processEvents();
+    ASSERT_EQ(window.ImgEgg->size(), QSize(600, 400));
+
+    window.cmdRitaglia->click();
+    EXPECT_TRUE(fixture.state->CropSelectionActive);
+    QTest::mousePress(window.ImgEgg, Qt::LeftButton, {}, QPoint(400, 300));
+    QMouseEvent move(QEvent::MouseMove, QPointF(100, 100), window.ImgEgg->mapToGlobal(QPointF(100, 100)),
+                     Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.ImgEgg, &move);
+    QTest::mouseRelease(window.ImgEgg, Qt::LeftButton, {}, QPoint(100, 100));
+
+    EXPECT_TRUE(fixture.state->CropSelectionActive);
+    EXPECT_TRUE(window.LabMis->isVisible());
+    // 300 x 200 pixels at 96 DPI: 79 x 53 mm.
+    EXPECT_EQ(window.LabMis->text(), " 79 x 53 mm ");
+    EXPECT_EQ(window.selectionRect(), QRectF(1500, 1500, 4500, 3000));
+    for (QFrame *line : window.SelLines)
+        EXPECT_TRUE(line->isVisible());
+
+    // Esc drops it; a release 9 twips from the anchor keeps nothing.
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_FALSE(fixture.state->CropSelectionActive);
+    EXPECT_FALSE(window.LabMis->isVisible());
+    window.cmdRitaglia->click();
+    window.Clip_Punto_Inizio(window.ImgEgg, {1000, 1000});
+    window.Clip_Punto_Fine(window.ImgEgg, {1009, 1500});
+    EXPECT_FALSE(fixture.state->CropSelectionActive);
+}
+
+TEST(MainWindowCrop, PressBesideThePictureSnapsToItsEdge)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("snap");
+    QImage picture(200, 150, QImage::Format_RGB32);
+    picture.fill(Qt::gray);
+    picture.save(folder + "/small.bmp");
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/small.bmp");
+    window.cmdRitaglia->click();
+    const QPoint left = window.ImgEgg->geometry().topLeft() + QPoint(-30, 40);
+    QTest::mousePress(&window, Qt::LeftButton, {}, left);
+    QTest::mouseRelease(&window, Qt::LeftButton, {}, window.ImgEgg->geometry().bottomRight() + QPoint(50, 50));
+    EXPECT_TRUE(fixture.state->CropSelectionActive);
+    EXPECT_EQ(window.selectionRect().left(), 0);
+    EXPECT_EQ(window.selectionRect().top(), 40 * 15);
+    EXPECT_EQ(window.selectionRect().right(), 200 * 15);
+}
+
+TEST(MainWindowZoom, StepsAndModes)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("zoom");
+    QImage picture(400, 300, QImage::Format_RGB32);
+    picture.fill(Qt::gray);
+    picture.save(folder + "/p.bmp");
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/p.bmp");
+    EXPECT_EQ(window.LabZoom->text(), " 100% ");
+    for (const char *expected : {" 115% ", " 132% ", " 152% "}) {
+        window.cmdExpand->click();
+        EXPECT_EQ(window.LabZoom->text(), expected);
+    }
+    EXPECT_EQ(window.ImgEgg->size(), QSize(608, 456));
+    window.mnuFull_Click();
+    window.cmdReduce->click();
+    window.cmdReduce->click();
+    EXPECT_EQ(window.LabZoom->text(), "  74% ");
+    QTest::keyClick(&window, Qt::Key_L, Qt::AltModifier);
+    EXPECT_EQ(window.LabZoom->text(), " 100% ");
+    EXPECT_EQ(window.ImgEgg->size(), QSize(400, 300));
+}
