@@ -133,9 +133,55 @@ void fitDisplayBench(BenchTable &table)
                djpeg({})});
 }
 
+// Zoom and pan of an 8000 x 6000 picture, against painting a window-sized
+// picture once (what any redraw of the window costs at the least).
+void zoomAndPanBench(BenchTable &table)
+{
+    QTemporaryDir dir;
+    QImage picture(8000, 6000, QImage::Format_RGB32);
+    picture.fill(QColor(40, 120, 90));
+    QPainter(&picture).fillRect(1000, 1000, 5000, 3000, QColor(200, 80, 40));
+    const QString path = dir.path() + "/huge.bmp";
+    picture.save(path);
+    QTemporaryDir config;
+    IniSettingsStore settings(config.path() + "/Vimora.ini");
+    settings.write("UserDef", "Language", "EN");
+    MessageCatalogue messages;
+    AppState state(settings, messages);
+    state.ProgramFolder = DataFolder::locate(QCoreApplication::applicationDirPath());
+    SilentPrompts prompts;
+    NoLauncher launcher;
+    frmMain window(state, prompts, launcher);
+    window.resize(1280, 1024);
+    window.Form_Load(path);
+    QCoreApplication::processEvents();
+
+    int percent = 100;
+    const double zoom = bestOf(5, [&] {
+        percent = percent == 152 ? 132 : 152;
+        window.ZoomTo(percent);
+        window.repaint();
+    });
+    QImage frame(1280, 1024, QImage::Format_RGB32);
+    const QImage source = picture.copy(0, 0, 1280, 1024);
+    const double reference = bestOf(5, [&] {
+        QPainter painter(&frame);
+        painter.drawImage(0, 0, source);
+    });
+    table.add({"zoom 8000 x 6000 to 152 % / 132 % and redraw", "paint one window-sized picture", zoom, reference});
+
+    QWidget *target = window.findChild<QWidget *>("ImgEgg");
+    int step = 0;
+    const double pan = bestOf(20, [&] {
+        target->move(target->pos() + QPoint(step++ % 2 ? 40 : -40, 0));
+        window.repaint();
+    });
+    table.add({"pan 8000 x 6000 at 132 % by 40 px and redraw", "paint one window-sized picture", pan, reference});
+}
+
 } // namespace
 
 QList<Bench> allBenches()
 {
-    return {{"listing", listingBench}, {"fit-display", fitDisplayBench}};
+    return {{"listing", listingBench}, {"fit-display", fitDisplayBench}, {"zoom-pan", zoomAndPanBench}};
 }

@@ -26,6 +26,14 @@ TEST(ZoomRules, FitTakesTheSmallerRatioAndEnlargesSmallPictures)
     EXPECT_EQ(ZoomRules::fitRatio({0, 100}, window), 0);
 }
 
+TEST(ZoomRules, ResizeFitUsesItsOwnMargins)
+{
+    // 11900 twips wide with 100 at the side; 9000 - (2850 + 120) high.
+    EXPECT_DOUBLE_EQ(ZoomRules::resizeFitRatio({11900, 100}, {12000, 9000}, 2850), 1.0);
+    EXPECT_DOUBLE_EQ(ZoomRules::resizeFitRatio({100, 6030}, {12000, 9000}, 2850), 1.0);
+    EXPECT_DOUBLE_EQ(ZoomRules::resizeFitRatio({100, 6030}, {12000, 9000}, 5865), 0.5);
+}
+
 TEST(ZoomRules, CentringPinsLargeTargetsAndCentresSmallOnes)
 {
     const QSizeF window(12000, 9000);

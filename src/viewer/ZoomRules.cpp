@@ -33,6 +33,15 @@ double fitRatio(QSizeF picture, QSizeF window)
     return ratioH < ratioW ? ratioH : ratioW;
 }
 
+double resizeFitRatio(QSizeF picture, QSizeF window, double pictureTop)
+{
+    if (picture.width() <= 0 || picture.height() <= 0)
+        return 0;
+    const double ratioW = (window.width() - 100) / picture.width();
+    const double ratioH = (window.height() - (pictureTop + 120)) / picture.height();
+    return ratioH < ratioW ? ratioH : ratioW;
+}
+
 QPointF centredPosition(QSizeF target, QSizeF window)
 {
     const double areaWidth = window.width();

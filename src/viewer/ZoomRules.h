@@ -22,6 +22,10 @@ int roundHalfEven(double value);
 // (the width one on a tie); the picture is enlarged as well as reduced.
 double fitRatio(QSizeF picture, QSizeF window);
 
+// The fit applied while the window is resized, with its own margins: 100
+// twips at the side, 120 below the picture's current top.
+double resizeFitRatio(QSizeF picture, QSizeF window, double pictureTop);
+
 // Where a target of this size goes in the display area: centred, 50 twips
 // left of the middle, or pinned at the area's top-left when it is larger.
 QPointF centredPosition(QSizeF target, QSizeF window);

@@ -241,6 +241,14 @@ void frmMain::buildMenus()
     DIRPOPUP = named(new QMenu(this), "DIRPOPUP");
     mnuDirOpen = action(DIRPOPUP, "mnuDirOpen");
     mnuDirExpl = action(DIRPOPUP, "mnuDirExpl");
+
+    // Commands that Vimora does not have yet are shown but cannot be chosen,
+    // rather than chosen with nothing happening.
+    for (QAction *notYet : {mnuPlay, mnuStop, mnuFullScreen, mnuSave, mnuPrint, mnuClipboard, mnuGrab, mnuWall,
+                            mnuRemoveWall, mnuMove, mnuAdd, mnuRemove, mnuGlobal, SFRename, SFDelete, SFInfo,
+                            mnuShellOpen, mnuShellEdit, mnuCropSave, mnuCropClip, mnuCropPrint, mnuDirOpen,
+                            mnuDirExpl})
+        notYet->setEnabled(false);
 }
 
 void frmMain::connectHandlers()

@@ -264,8 +264,6 @@ void frmMain::showContextMenu(QPoint globalPosition)
     const bool movie = m_state.MainMovieLoaded;
     for (QAction *item : {mnuPlay, mnuStop, mnuSepp})
         item->setVisible(movie);
-    mnuStop->setEnabled(movie && (MediaPlayer1->PlayState() == MoviePlayer::Playing
-                                  || MediaPlayer1->PlayState() == MoviePlayer::Paused));
     const bool gif = m_state.FileTypeCode == u"GIF";
     mnuAnim->setVisible(gif);
     mnuSepGif->setVisible(gif);
