@@ -95,21 +95,31 @@ QString makeLargeJpeg(const QString &folder, const QString &name)
     return path;
 }
 
+// The main window of a fresh user, 1280 x 1024, started on a file.
+struct OpenWindow {
+    explicit OpenWindow(const QString &path)
+        : settings(config.path() + "/Vimora.ini"), state(settings, messages), window(state, prompts, launcher)
+    {
+        settings.write("UserDef", "Language", "EN");
+        state.ProgramFolder = DataFolder::locate(QCoreApplication::applicationDirPath());
+        window.resize(1280, 1024);
+        window.Form_Load(path);
+    }
+    QTemporaryDir config;
+    IniSettingsStore settings;
+    MessageCatalogue messages;
+    AppState state;
+    SilentPrompts prompts;
+    NoLauncher launcher;
+    frmMain window;
+};
+
 void fitDisplayBench(BenchTable &table)
 {
     QTemporaryDir dir;
     const QString path = makeLargeJpeg(dir.path(), "large.jpg");
-    QTemporaryDir config;
-    IniSettingsStore settings(config.path() + "/Vimora.ini");
-    settings.write("UserDef", "Language", "EN");
-    MessageCatalogue messages;
-    AppState state(settings, messages);
-    state.ProgramFolder = DataFolder::locate(QCoreApplication::applicationDirPath());
-    SilentPrompts prompts;
-    NoLauncher launcher;
-    frmMain window(state, prompts, launcher);
-    window.resize(1280, 1024);
-    window.Form_Load(path);
+    OpenWindow open(path);
+    frmMain &window = open.window;
     window.Option1[0]->setChecked(true);
     QCoreApplication::processEvents();
 
@@ -143,17 +153,8 @@ void zoomAndPanBench(BenchTable &table)
     QPainter(&picture).fillRect(1000, 1000, 5000, 3000, QColor(200, 80, 40));
     const QString path = dir.path() + "/huge.bmp";
     picture.save(path);
-    QTemporaryDir config;
-    IniSettingsStore settings(config.path() + "/Vimora.ini");
-    settings.write("UserDef", "Language", "EN");
-    MessageCatalogue messages;
-    AppState state(settings, messages);
-    state.ProgramFolder = DataFolder::locate(QCoreApplication::applicationDirPath());
-    SilentPrompts prompts;
-    NoLauncher launcher;
-    frmMain window(state, prompts, launcher);
-    window.resize(1280, 1024);
-    window.Form_Load(path);
+    OpenWindow open(path);
+    frmMain &window = open.window;
     QCoreApplication::processEvents();
 
     int percent = 100;

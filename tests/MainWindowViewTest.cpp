@@ -119,11 +119,8 @@ TEST(MainWindowCrop, DragFromRightToLeftGivesAPositiveRectangle)
 {
     MainWindowFixture fixture;
     const QString folder = fixture.makeFolder("crop");
-    QImage picture(600, 400, QImage::Format_RGB32);
-    picture.fill(Qt::gray);
-    picture.save(folder + "/wide.bmp");
     fixture.settings().write("UserDef", "Language", "EN");
-    frmMain &window = fixture.start(folder + "/wide.bmp");
+    frmMain &window = fixture.start(fixture.makePicture(folder, "wide.bmp", {600, 400}));
     window.resize(1000, 800);
     QCoreApplication::processEvents();
     ASSERT_EQ(window.ImgEgg->size(), QSize(600, 400));
@@ -158,11 +155,8 @@ TEST(MainWindowCrop, PressBesideThePictureSnapsToItsEdge)
 {
     MainWindowFixture fixture;
     const QString folder = fixture.makeFolder("snap");
-    QImage picture(200, 150, QImage::Format_RGB32);
-    picture.fill(Qt::gray);
-    picture.save(folder + "/small.bmp");
     fixture.settings().write("UserDef", "Language", "EN");
-    frmMain &window = fixture.start(folder + "/small.bmp");
+    frmMain &window = fixture.start(fixture.makePicture(folder, "small.bmp", {200, 150}));
     window.cmdRitaglia->click();
     const QPoint left = window.ImgEgg->geometry().topLeft() + QPoint(-30, 40);
     QTest::mousePress(&window, Qt::LeftButton, {}, left);
@@ -177,11 +171,8 @@ TEST(MainWindowZoom, StepsAndModes)
 {
     MainWindowFixture fixture;
     const QString folder = fixture.makeFolder("zoom");
-    QImage picture(400, 300, QImage::Format_RGB32);
-    picture.fill(Qt::gray);
-    picture.save(folder + "/p.bmp");
     fixture.settings().write("UserDef", "Language", "EN");
-    frmMain &window = fixture.start(folder + "/p.bmp");
+    frmMain &window = fixture.start(fixture.makePicture(folder, "p.bmp", {400, 300}));
     EXPECT_EQ(window.LabZoom->text(), " 100% ");
     for (const char *expected : {" 115% ", " 132% ", " 152% "}) {
         window.cmdExpand->click();

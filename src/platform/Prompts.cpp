@@ -18,12 +18,12 @@ void Prompts::inform(const QString &text, PromptIcon icon)
 
 namespace {
 
-struct ButtonSpec {
+struct ButtonChoice {
     QMessageBox::StandardButton button;
     PromptAnswer answer;
 };
 
-QList<ButtonSpec> buttonsFor(PromptButtons buttons)
+QList<ButtonChoice> buttonsFor(PromptButtons buttons)
 {
     switch (buttons) {
     case PromptButtons::Ok:
@@ -59,11 +59,11 @@ QMessageBox::Icon iconFor(PromptIcon icon)
     return QMessageBox::NoIcon;
 }
 
-PromptAnswer cancelAnswer(const QList<ButtonSpec> &buttons)
+PromptAnswer cancelAnswer(const QList<ButtonChoice> &buttons)
 {
-    for (const ButtonSpec &spec : buttons)
-        if (spec.answer == PromptAnswer::Cancel || spec.answer == PromptAnswer::No)
-            return spec.answer;
+    for (const ButtonChoice &choice : buttons)
+        if (choice.answer == PromptAnswer::Cancel || choice.answer == PromptAnswer::No)
+            return choice.answer;
     return buttons.front().answer;
 }
 
@@ -71,17 +71,17 @@ PromptAnswer cancelAnswer(const QList<ButtonSpec> &buttons)
 
 PromptAnswer QtPrompts::ask(const PromptMessage &message)
 {
-    const QList<ButtonSpec> buttons = buttonsFor(message.buttons);
+    const QList<ButtonChoice> buttons = buttonsFor(message.buttons);
     QMessageBox box(iconFor(message.icon), message.title, message.text, QMessageBox::NoButton,
                     QApplication::activeWindow());
-    for (const ButtonSpec &spec : buttons)
-        box.addButton(spec.button);
+    for (const ButtonChoice &choice : buttons)
+        box.addButton(choice.button);
     const int defaultIndex = qBound(0, message.defaultButton - 1, int(buttons.size()) - 1);
     box.setDefaultButton(buttons.at(defaultIndex).button);
     const auto clicked = QMessageBox::StandardButton(box.exec());
-    for (const ButtonSpec &spec : buttons)
-        if (spec.button == clicked)
-            return spec.answer;
+    for (const ButtonChoice &choice : buttons)
+        if (choice.button == clicked)
+            return choice.answer;
     return cancelAnswer(buttons); // closed with Escape or the window manager
 }
 

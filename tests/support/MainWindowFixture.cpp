@@ -51,6 +51,15 @@ void MainWindowFixture::makeFiles(const QString &folder, const QStringList &name
     }
 }
 
+QString MainWindowFixture::makePicture(const QString &folder, const QString &name, QSize size) const
+{
+    QImage picture(size, QImage::Format_RGB32);
+    picture.fill(Qt::gray);
+    const QString path = folder + '/' + name;
+    picture.save(path);
+    return path;
+}
+
 frmMain &MainWindowFixture::start(const QString &commandLine)
 {
     m_window = std::make_unique<frmMain>(*state, prompts, launcher);

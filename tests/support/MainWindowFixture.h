@@ -48,6 +48,8 @@ public:
     // Small real pictures: ".bmp", ".jpg", ".gif" are decoded; others are
     // written as a few bytes, which is all a list needs.
     void makeFiles(const QString &folder, const QStringList &names) const;
+    // One plain picture of the given size; returns its path.
+    QString makePicture(const QString &folder, const QString &name, QSize size) const;
 
     frmMain &start(const QString &commandLine = {});
     void close();
