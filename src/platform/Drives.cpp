@@ -2,6 +2,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
 #include <QStorageInfo>
 
 #include <algorithm>
@@ -17,11 +19,21 @@ bool isUnder(const QString &path, const QString &root)
 
 const Drive *driveHolding(const QString &path, const QList<Drive> &drives)
 {
+    if (path.isEmpty())
+        return nullptr;
+    // "/mnt/share/../x" lies on the root's drive, not on the share.
+    const QString cleanPath = QDir::cleanPath(path);
     const Drive *best = nullptr;
     for (const Drive &drive : drives)
-        if (isUnder(path, drive.rootPath) && (!best || drive.rootPath.size() > best->rootPath.size()))
+        if (isUnder(cleanPath, drive.rootPath) && (!best || drive.rootPath.size() > best->rootPath.size()))
             best = &drive;
     return best;
+}
+
+bool isOpticalDevice(const QString &device)
+{
+    static const QRegularExpression optical(QStringLiteral("^/dev/(sr|scd|cdrom|dvd)[0-9]*$"));
+    return optical.match(device).hasMatch();
 }
 
 QString readSysText(const QString &path)
@@ -37,24 +49,32 @@ QString readSysText(const QString &path)
 bool isNetworkFileSystem(const QString &fsType)
 {
     static const QStringList network{"nfs", "nfs4", "cifs", "smb3", "smbfs", "sshfs", "fuse.sshfs",
-                                     "fuse.gvfsd-fuse", "gvfs", "9p", "afs", "ncpfs", "fuse.rclone"};
+                                     "fuse.gvfsd-fuse", "gvfs", "9p", "afs", "ncpfs", "ceph", "glusterfs",
+                                     "fuse.glusterfs", "davfs", "fuse.davfs2", "fuse.rclone", "fuse.curlftpfs",
+                                     "fuse.s3fs", "fuse.smbnetfs"};
     return network.contains(fsType);
 }
 
 bool isPseudoFileSystem(const QString &fsType, const QString &rootPath)
 {
+    // Containers and live systems run from overlay or squashfs roots: the
+    // root is always a drive, or no path would have one.
+    if (rootPath == u"/")
+        return false;
     static const QStringList pseudo{"proc", "sysfs", "devtmpfs", "devpts", "cgroup", "cgroup2", "securityfs",
                                     "debugfs", "tracefs", "pstore", "bpf", "mqueue", "hugetlbfs", "configfs",
                                     "fusectl", "autofs", "binfmt_misc", "efivarfs", "nsfs", "rpc_pipefs",
-                                    "squashfs", "overlay", "ramfs"};
+                                    "squashfs", "overlay", "ramfs", "selinuxfs", "fuse.portal",
+                                    "fuse.snapfuse", "fuse.lxcfs"};
     if (pseudo.contains(fsType))
         return true;
     // Memory file systems are the system's own, except a user's /tmp-like
     // mounts under /media or /mnt.
     if (fsType == u"tmpfs")
         return !rootPath.startsWith(QStringLiteral("/media/")) && !rootPath.startsWith(QStringLiteral("/mnt/"));
-    return rootPath.startsWith(QStringLiteral("/proc")) || rootPath.startsWith(QStringLiteral("/sys"))
-        || rootPath.startsWith(QStringLiteral("/snap/"));
+    // Not /run: removable media (/run/media) and gvfs shares live there.
+    return isUnder(rootPath, QStringLiteral("/proc")) || isUnder(rootPath, QStringLiteral("/sys"))
+        || isUnder(rootPath, QStringLiteral("/dev")) || rootPath.startsWith(QStringLiteral("/snap/"));
 }
 
 QList<Drive> drivesFrom(const QList<MountEntry> &mounts, const QString &sysBlockFolder)
@@ -67,14 +87,21 @@ QList<Drive> drivesFrom(const QList<MountEntry> &mounts, const QString &sysBlock
         drive.rootPath = mount.rootPath;
         drive.label = mount.label;
         drive.network = isNetworkFileSystem(mount.fsType);
-        drive.optical = mount.fsType == u"iso9660" || mount.fsType == u"udf"
-            || QFileInfo(mount.device).fileName().startsWith(QStringLiteral("sr"));
-        drives.append(drive);
+        // A mounted disc image is a CD-ROM too, as it is on the desktop.
+        drive.optical = mount.fsType == u"iso9660" || mount.fsType == u"udf" || isOpticalDevice(mount.device);
+        // A later mount on the same point hides the earlier one.
+        const auto same = std::find_if(drives.begin(), drives.end(),
+                                       [&](const Drive &d) { return d.rootPath == drive.rootPath; });
+        if (same != drives.end())
+            *same = drive;
+        else
+            drives.append(drive);
     }
 
     // Optical drives are listed even without a disc, which is what makes
     // them "not ready" rather than absent.
-    const QStringList opticals = QDir(sysBlockFolder).entryList({QStringLiteral("sr*")}, QDir::AllEntries | QDir::System);
+    const QStringList opticals =
+        QDir(sysBlockFolder).entryList({QStringLiteral("sr*")}, QDir::AllEntries | QDir::System);
     for (const QString &name : opticals) {
         const QString device = QStringLiteral("/dev/") + name;
         const bool mounted = std::any_of(mounts.begin(), mounts.end(),
@@ -97,9 +124,13 @@ QList<Drive> drivesFrom(const QList<MountEntry> &mounts, const QString &sysBlock
 QList<Drive> listDrives()
 {
     QList<MountEntry> mounts;
-    for (const QStorageInfo &volume : QStorageInfo::mountedVolumes())
+    for (const QStorageInfo &volume : QStorageInfo::mountedVolumes()) {
+        // Files bind-mounted into containers (/etc/hosts) are no drives.
+        if (!QFileInfo(volume.rootPath()).isDir())
+            continue;
         mounts.append({volume.rootPath(), QString::fromLocal8Bit(volume.device()),
                        QString::fromLatin1(volume.fileSystemType()), volume.displayName()});
+    }
     return drivesFrom(mounts, QStringLiteral("/sys/class/block"));
 }
 

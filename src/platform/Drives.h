@@ -21,11 +21,14 @@ struct MountEntry {
 };
 
 // The drives of these mounts plus the optical drives found under the given
-// /sys/class/block folder; pseudo file systems are left out.
+// /sys/class/block folder ("sr0", ...); pseudo file systems are left out.
+// Tests hand in their own mounts and a fake sysfs folder.
 QList<Drive> drivesFrom(const QList<MountEntry> &mounts, const QString &sysBlockFolder);
 QList<Drive> listDrives(); // this machine's
 
 bool isNetworkFileSystem(const QString &fsType);
+// The system's own mounts (proc, cgroup, snaps, tmpfs under /run, ...);
+// never the root.
 bool isPseudoFileSystem(const QString &fsType, const QString &rootPath);
 
 // The drive holding a path: the longest mount point that is a prefix of it.

@@ -5,51 +5,188 @@
 #include <QCollator>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QLocale>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
+#include <vector>
 
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 
-struct FolderListing::Directory {
+namespace {
+
+QCollator naturalCollator()
+{
+    // The C locale's collator ignores numeric mode and case; English rules
+    // are then the closest to what a reader expects.
+    QLocale locale;
+    if (locale.language() == QLocale::C)
+        locale = QLocale(QLocale::English, QLocale::UnitedStates);
+    QCollator collator(locale);
+    collator.setNumericMode(true);
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    return collator;
+}
+
+// Names in natural order, sorted a run at a time as they come in and
+// merged like a binary counter, so no single step of a large listing has
+// to sort everything at once.
+class NaturalOrder {
+public:
+    NaturalOrder() : m_collator(naturalCollator()) {}
+
+    void add(QString name)
+    {
+        m_keys.push_back(m_collator.sortKey(name));
+        m_names.append(std::move(name));
+    }
+
+    // Sorts the names added since the last call as one run.
+    void closeRun()
+    {
+        const size_t start = m_order.size();
+        if (start == m_keys.size())
+            return;
+        for (size_t i = start; i < m_keys.size(); ++i)
+            m_order.push_back(quint32(i));
+        std::sort(m_order.begin() + qptrdiff(start), m_order.end(),
+                  [this](quint32 a, quint32 b) { return less(a, b); });
+        m_runStarts.push_back(start);
+        while (m_runStarts.size() >= 2 && runLength(m_runStarts.size() - 2) <= runLength(m_runStarts.size() - 1))
+            mergeLastRuns();
+    }
+
+    QStringList takeSorted()
+    {
+        closeRun();
+        while (m_runStarts.size() >= 2)
+            mergeLastRuns();
+        QStringList sorted;
+        sorted.reserve(m_names.size());
+        for (const quint32 index : m_order)
+            sorted.append(std::move(m_names[qsizetype(index)]));
+        return sorted;
+    }
+
+private:
+    bool less(quint32 a, quint32 b) const
+    {
+        const int order = m_keys[a].compare(m_keys[b]);
+        // Names equal but for case still get a fixed order, not the
+        // directory's, so the same folder always lists the same way.
+        return order != 0 ? order < 0 : m_names[a] < m_names[b];
+    }
+
+    size_t runLength(size_t run) const
+    {
+        const size_t end = run + 1 < m_runStarts.size() ? m_runStarts[run + 1] : m_order.size();
+        return end - m_runStarts[run];
+    }
+
+    void mergeLastRuns()
+    {
+        const size_t middle = m_runStarts.back();
+        m_runStarts.pop_back();
+        std::inplace_merge(m_order.begin() + qptrdiff(m_runStarts.back()), m_order.begin() + qptrdiff(middle),
+                           m_order.end(), [this](quint32 a, quint32 b) { return less(a, b); });
+    }
+
+    QCollator m_collator;
+    // One key per name: comparing through the collator itself is ten times
+    // slower on a large folder. Indices are sorted, not keys: a key has no
+    // move, only a reference-counted copy.
+    std::vector<QCollatorSortKey> m_keys;
+    QStringList m_names;
+    std::vector<quint32> m_order;
+    std::vector<size_t> m_runStarts;
+};
+
+} // namespace
+
+struct FolderListing::State {
+    QString filterCode;
+    QString filterItemText;
     DIR *handle = nullptr;
-    ~Directory()
+    NaturalOrder order;
+    // admits() depends only on a name's last four characters: the answer
+    // is kept per tail, so most names are judged before being decoded.
+    QHash<quint32, bool> admittedAsciiTails;
+    QHash<QString, bool> admittedTails;
+
+    ~State()
     {
         if (handle)
             closedir(handle);
     }
+
+    bool admits(const char *name)
+    {
+        const size_t length = std::strlen(name);
+        const size_t tailLength = std::min<size_t>(length, 4);
+        const char *tail = name + length - tailLength;
+        quint32 packed = 0;
+        bool ascii = true;
+        for (size_t i = 0; i < tailLength; ++i) {
+            const auto byte = static_cast<unsigned char>(tail[i]);
+            ascii = ascii && byte < 0x80;
+            packed = packed << 8 | byte;
+        }
+        // Bytes below 0x80 are whole characters in UTF-8, so an ASCII tail
+        // is also the decoded name's last four characters.
+        if (ascii) {
+            const auto found = admittedAsciiTails.constFind(packed);
+            if (found != admittedAsciiTails.cend())
+                return *found;
+            const bool admitted = FileTypeCatalogue::admits(QString::fromLatin1(tail, qsizetype(tailLength)),
+                                                            filterCode, filterItemText);
+            admittedAsciiTails.insert(packed, admitted);
+            return admitted;
+        }
+        const QString decodedTail = QFile::decodeName(name).right(4);
+        const auto found = admittedTails.constFind(decodedTail);
+        if (found != admittedTails.cend())
+            return *found;
+        const bool admitted = FileTypeCatalogue::admits(decodedTail, filterCode, filterItemText);
+        admittedTails.insert(decodedTail, admitted);
+        return admitted;
+    }
 };
 
 FolderListing::FolderListing(const QString &folder, const QString &filterCode, const QString &filterItemText)
-    : m_directory(std::make_unique<Directory>())
+    : m_state(std::make_unique<State>())
 {
-    const QStringList extensions = FileTypeCatalogue::admittedExtensions(filterCode, filterItemText);
-    m_extensions = QSet<QString>(extensions.begin(), extensions.end());
-    m_directory->handle = opendir(QFile::encodeName(folder).constData());
-    m_done = m_directory->handle == nullptr;
-    m_unreadable = m_done && QFileInfo(folder).isDir();
+    m_state->filterCode = filterCode;
+    m_state->filterItemText = filterItemText;
+    m_state->handle = opendir(QFile::encodeName(folder).constData());
+    if (!m_state->handle) {
+        m_done = true;
+        m_unreadable = QFileInfo(folder).isDir();
+        m_state.reset();
+    }
 }
 
 FolderListing::~FolderListing() = default;
 FolderListing::FolderListing(FolderListing &&) noexcept = default;
 FolderListing &FolderListing::operator=(FolderListing &&) noexcept = default;
 
-bool FolderListing::done() const { return m_done; }
-
 bool FolderListing::step(int maxEntries)
 {
     if (m_done)
         return true;
-    DIR *dir = m_directory->handle;
+    DIR *dir = m_state->handle;
     const int dirFd = dirfd(dir);
     for (int i = 0; i < maxEntries; ++i) {
+        errno = 0;
         const dirent *entry = readdir(dir);
         if (!entry) {
-            sortNaturally(m_names);
-            m_directory.reset();
+            m_unreadable = errno != 0; // an I/O error part way through
+            m_names = m_state->order.takeSorted();
+            m_state.reset();
             m_done = true;
             return true;
         }
@@ -57,19 +194,41 @@ bool FolderListing::step(int maxEntries)
             continue; // hidden, and "." and ".."
         if (entry->d_type != DT_REG && entry->d_type != DT_LNK && entry->d_type != DT_UNKNOWN)
             continue;
-        const QString name = QFile::decodeName(entry->d_name);
         // Names that fail the filter need no stat: in a large folder most
         // of the time goes there.
-        if (!m_extensions.contains(FileTypeCatalogue::extensionOf(name)))
+        if (!m_state->admits(entry->d_name))
             continue;
         struct stat info;
         if (fstatat(dirFd, entry->d_name, &info, 0) != 0 || !S_ISREG(info.st_mode))
             continue; // vanished meanwhile, a dangling link, or a folder
-        m_names.append(name);
+        m_state->order.add(QFile::decodeName(entry->d_name));
         m_totalBytes += double(info.st_size);
     }
+    m_state->order.closeRun();
     return false;
 }
+
+bool FolderListing::run(int entriesPerStep, const std::function<bool()> &shouldContinue)
+{
+    while (!step(entriesPerStep)) {
+        if (!shouldContinue()) {
+            cancel();
+            return false;
+        }
+    }
+    return !m_cancelled;
+}
+
+void FolderListing::cancel()
+{
+    m_state.reset();
+    m_names.clear();
+    m_totalBytes = 0;
+    m_done = true;
+    m_cancelled = true;
+}
+
+QStringList FolderListing::fileNames() const { return m_names.isEmpty() ? QStringList{QString()} : m_names; }
 
 FolderListing FolderListing::listAll(const QString &folder, const QString &filterCode, const QString &filterItemText)
 {
@@ -87,27 +246,15 @@ QString FolderSummaryText(int count, double totalBytes)
     return QString::number(count) + QStringLiteral("     ") + size;
 }
 
+int FileCount(const QStringList &fileNames)
+{
+    return fileNames.value(0).isEmpty() ? 0 : int(fileNames.size());
+}
+
 void sortNaturally(QStringList &names)
 {
-    // The C locale's collator ignores numeric mode and case; English rules
-    // are then the closest to what a reader expects.
-    QLocale locale;
-    if (locale.language() == QLocale::C)
-        locale = QLocale(QLocale::English, QLocale::UnitedStates);
-    QCollator collator(locale);
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    // Sort keys once per name: comparing through the collator directly
-    // costs far more on a folder of 100,000 names.
-    std::vector<std::pair<QCollatorSortKey, qsizetype>> keys;
-    keys.reserve(size_t(names.size()));
-    for (qsizetype i = 0; i < names.size(); ++i)
-        keys.emplace_back(collator.sortKey(names[i]), i);
-    std::stable_sort(keys.begin(), keys.end(),
-                     [](const auto &a, const auto &b) { return a.first.compare(b.first) < 0; });
-    QStringList sorted;
-    sorted.reserve(names.size());
-    for (const auto &key : keys)
-        sorted.append(names[key.second]);
-    names = std::move(sorted);
+    NaturalOrder order;
+    for (const QString &name : std::as_const(names))
+        order.add(name);
+    names = order.takeSorted();
 }

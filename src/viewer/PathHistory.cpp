@@ -22,9 +22,11 @@ QStringList load(const SettingsStore &settings)
 
 QStringList insert(SettingsStore &settings, const QStringList &current, const QString &folder)
 {
+    // Upper-cased, not case-folded: "/Straße" and "/STRASSE" are one entry.
+    const QString upperFolder = folder.toUpper();
     int k = 0;
     for (const QString &entry : current) {
-        if (entry.compare(folder, Qt::CaseInsensitive) != 0)
+        if (entry.toUpper() != upperFolder)
             settings.write(Section, QString::number(++k), entry);
     }
     settings.write(Section, QStringLiteral("0"), folder);
