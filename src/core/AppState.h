@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -57,6 +58,9 @@ struct AppState {
     bool IndexHiddenWithMain = false;
 
     bool CropSelectionActive = false;
+
+    // Type groups Vimora is the default viewer for ("Linked" marks).
+    QSet<QString> LinkedTypes;
 
     bool listIsEmpty() const { return FileNames.size() <= 1 && FileNames.value(0).isEmpty(); }
     int fileUpperBound() const { return int(FileNames.size()) - 1; }

@@ -11,6 +11,11 @@ LaunchResult Launcher::openWithDefault(const QString &path)
     return start(QStringLiteral("xdg-open"), {path});
 }
 
+void Launcher::startWatched(const QString &program, const QStringList &arguments, LaunchWatcher done)
+{
+    done({start(program, arguments).started, false, 0});
+}
+
 LaunchResult ProcessLauncher::start(const QString &program, const QStringList &arguments)
 {
     LaunchResult result;
@@ -21,4 +26,20 @@ LaunchResult ProcessLauncher::start(const QString &program, const QStringList &a
 bool ProcessLauncher::isRunning(qint64 processId) const
 {
     return processId > 0 && ::kill(pid_t(processId), 0) == 0;
+}
+
+void ProcessLauncher::startWatched(const QString &program, const QStringList &arguments, LaunchWatcher done)
+{
+    auto *process = new QProcess;
+    QObject::connect(process, &QProcess::errorOccurred, process, [process, done](QProcess::ProcessError error) {
+        if (error != QProcess::FailedToStart)
+            return; // a crash also ends in finished()
+        done({false, false, 0});
+        process->deleteLater();
+    });
+    QObject::connect(process, &QProcess::finished, process, [process, done](int exitCode, QProcess::ExitStatus status) {
+        done({true, status == QProcess::CrashExit, exitCode});
+        process->deleteLater();
+    });
+    process->start(program, arguments);
 }

@@ -59,6 +59,7 @@ frmMain::frmMain(AppState &state, Prompts &prompts, Launcher &launcher, QWidget 
     buildControls();
     buildMenus();
     connectHandlers();
+    connectLaunchHandlers();
     // The window never gets smaller than its layout needs.
     setMinimumSize(m_twips.toPixelsX(ViewGeometry::MinWindowWidth), m_twips.toPixelsY(ViewGeometry::MinWindowHeight));
     const QSize available = screen->availableGeometry().size();
@@ -246,8 +247,7 @@ void frmMain::buildMenus()
     // rather than chosen with nothing happening.
     for (QAction *notYet : {mnuPlay, mnuStop, mnuFullScreen, mnuSave, mnuPrint, mnuClipboard, mnuGrab, mnuWall,
                             mnuRemoveWall, mnuMove, mnuAdd, mnuRemove, mnuGlobal, SFRename, SFDelete, SFInfo,
-                            mnuShellOpen, mnuShellEdit, mnuCropSave, mnuCropClip, mnuCropPrint, mnuDirOpen,
-                            mnuDirExpl})
+                            mnuCropSave, mnuCropClip, mnuCropPrint})
         notYet->setEnabled(false);
 }
 

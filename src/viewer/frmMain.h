@@ -5,12 +5,14 @@
 #include "viewer/ZoomRules.h"
 
 #include <QLineF>
+#include <QPointer>
 #include <QWidget>
 
 #include <array>
 #include <functional>
 
 struct AppState;
+class HelpWindow;
 class Launcher;
 class MoviePlayer;
 class PictureView;
@@ -163,6 +165,16 @@ public:
     void Option1_Click();
     void ZoomTo(int percent);
 
+    // Launching, help, About box and file type associations.
+    void mnuShellOpen_Click();
+    void mnuShellEdit_Click();
+    void mnuDirOpen_Click();
+    void mnuDirExpl_Click();
+    void cmdHelp_Click();
+    void cmdAbout_Click();
+    void cmdLink_Click();
+    HelpWindow *helpWindow() const;
+
 signals:
     void fileShown(const QString &path);
     void listLoaded();
@@ -219,6 +231,7 @@ private:
     void placeSelectionLines();
     void panTo(QWidget *target, QPoint globalPosition);
     void showContextMenu(QPoint globalPosition);
+    void connectLaunchHandlers();
 
     AppState &m_state;
     Prompts &m_prompts;
@@ -248,4 +261,6 @@ private:
     int m_listGeneration = 0;       // a new list load cancels the running one
     qint64 m_slidesLaunchPid = 0;
     std::function<QList<Drive>()> m_listDrives = listDrives;
+    QString m_dirPopupFolder;          // the folder tree entry the pop-up was opened over
+    QPointer<HelpWindow> m_helpWindow; // a window of its own, so a modal dialog does not block it
 };

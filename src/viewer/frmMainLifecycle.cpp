@@ -8,6 +8,7 @@
 #include "core/SettingsStore.h"
 #include "platform/Drives.h"
 #include "platform/MoviePlayer.h"
+#include "system/AssociationGroups.h"
 #include "viewer/StartupRules.h"
 
 #include <QApplication>
@@ -131,6 +132,7 @@ void frmMain::Form_Load(const QString &commandLine)
     txtTime->setText(QString::number(m_state.SlideSeconds));
     m_state.BrowserReady = true;
 
+    m_state.LinkedTypes = AssociationGroups::readLinked(settings);
     cmdLink->setEnabled(true);
 }
 

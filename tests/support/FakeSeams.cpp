@@ -24,7 +24,13 @@ QString ScriptedPrompts::chooseFolder(const QString &, const QString &)
 LaunchResult RecordingLauncher::start(const QString &program, const QStringList &arguments)
 {
     started.append({program, arguments});
-    return {true, 0};
+    return {true, nextProcessId ? nextProcessId++ : 0};
+}
+
+void RecordingLauncher::startWatched(const QString &program, const QStringList &arguments, LaunchWatcher done)
+{
+    started.append({program, arguments});
+    watchers.append(std::move(done));
 }
 
 QString MemorySettingsStore::read(const QString &section, const QString &key, const QString &defaultValue) const

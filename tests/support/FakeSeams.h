@@ -28,7 +28,15 @@ class RecordingLauncher : public Launcher {
 public:
     QList<QPair<QString, QStringList>> started;
     LaunchResult start(const QString &program, const QStringList &arguments) override;
-    bool isRunning(qint64) const override { return false; }
+    bool isRunning(qint64 processId) const override { return running.contains(processId); }
+
+    // Process ids handed out when nextProcessId is set, and the ones a test
+    // says are still running.
+    qint64 nextProcessId = 0;
+    QList<qint64> running;
+    // Watched starts wait here for the test to tell how they ended.
+    QList<LaunchWatcher> watchers;
+    void startWatched(const QString &program, const QStringList &arguments, LaunchWatcher done) override;
 };
 
 // A settings store in memory that logs every write, for checking order.

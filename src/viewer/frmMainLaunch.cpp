@@ -1,0 +1,99 @@
+// frmMain's commands that hand work to other programs or windows: shell
+// open and edit, the folder tree's pop-up, help, the About box and the
+// association dialog.
+#include "viewer/frmMain.h"
+
+#include "core/AppState.h"
+#include "files/HelpWindow.h"
+#include "files/ShellLaunch.h"
+#include "files/TechCre.h"
+#include "system/AssociationGroups.h"
+#include "system/TechLink.h"
+
+#include <QAction>
+#include <QFileSystemModel>
+#include <QMenu>
+#include <QPushButton>
+#include <QShortcut>
+#include <QToolButton>
+#include <QTreeView>
+
+void frmMain::connectLaunchHandlers()
+{
+    connect(cmdHelp, &QToolButton::clicked, this, &frmMain::cmdHelp_Click);
+    connect(cmdAbout, &QPushButton::clicked, this, &frmMain::cmdAbout_Click);
+    connect(cmdLink, &QToolButton::clicked, this, &frmMain::cmdLink_Click);
+    connect(mnuShellOpen, &QAction::triggered, this, &frmMain::mnuShellOpen_Click);
+    connect(mnuShellEdit, &QAction::triggered, this, &frmMain::mnuShellEdit_Click);
+    connect(mnuDirOpen, &QAction::triggered, this, &frmMain::mnuDirOpen_Click);
+    connect(mnuDirExpl, &QAction::triggered, this, &frmMain::mnuDirExpl_Click);
+    connect(SFPOPUP, &QMenu::aboutToShow, this, [this] {
+        mnuShellOpen->setVisible(AssociationGroups::shellOpenAvailable(m_state.FileTypeCode, m_state.LinkedTypes));
+    });
+    // The pop-up acts on the entry it was opened over, not on the browsed folder.
+    connect(Dir1, &QTreeView::customContextMenuRequested, this, [this](const QPoint &at) {
+        const QModelIndex entry = Dir1->indexAt(at);
+        m_dirPopupFolder = m_folderModel->filePath(entry.isValid() ? entry : Dir1->currentIndex());
+    });
+    // F1 opens the help in every window of Vimora.
+    auto *help = new QShortcut(QKeySequence(Qt::Key_F1), this);
+    help->setContext(Qt::ApplicationShortcut);
+    connect(help, &QShortcut::activated, this, &frmMain::cmdHelp_Click);
+}
+
+void frmMain::mnuShellOpen_Click()
+{
+    if (!m_state.CurrentFileName.isEmpty())
+        ShellLaunch::shellOpen(m_state.currentPath(), m_launcher);
+}
+
+void frmMain::mnuShellEdit_Click()
+{
+    if (!m_state.CurrentFileName.isEmpty())
+        ShellLaunch::shellEdit(m_state.currentPath(), m_launcher);
+}
+
+void frmMain::mnuDirOpen_Click()
+{
+    if (!m_dirPopupFolder.isEmpty())
+        setDir1Path(m_dirPopupFolder);
+}
+
+void frmMain::mnuDirExpl_Click()
+{
+    if (!m_dirPopupFolder.isEmpty())
+        ShellLaunch::explore(m_dirPopupFolder, m_launcher);
+}
+
+void frmMain::cmdHelp_Click()
+{
+    if (!m_helpWindow) {
+        m_helpWindow = new HelpWindow(m_launcher, m_state.messages);
+        m_helpWindow->setAttribute(Qt::WA_DeleteOnClose);
+        connect(this, &QObject::destroyed, m_helpWindow, &QObject::deleteLater);
+    }
+    m_helpWindow->showContents(m_state.HelpFilePath);
+}
+
+void frmMain::cmdAbout_Click()
+{
+    if (m_state.CropSelectionActive)
+        ClearCropSelection();
+    stopSlideTimer();
+    TechCre about(m_state.messages, m_launcher, m_prompts, this);
+    about.exec();
+    restartSlideTimerIfOn();
+}
+
+void frmMain::cmdLink_Click()
+{
+    if (m_state.CropSelectionActive)
+        ClearCropSelection();
+    TechLink link(m_state, FileAssociations::Places::standard(), [this] { cmdHelp_Click(); }, this);
+    link.exec();
+}
+
+HelpWindow *frmMain::helpWindow() const
+{
+    return m_helpWindow;
+}
