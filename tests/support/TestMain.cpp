@@ -18,6 +18,7 @@ int main(int argc, char **argv)
     qputenv("XDG_CONFIG_HOME", (home.path() + "/config").toUtf8());
     qputenv("XDG_DATA_HOME", (home.path() + "/data").toUtf8());
     qputenv("XDG_CACHE_HOME", (home.path() + "/cache").toUtf8());
+    qputenv("XDG_CONFIG_DIRS", (home.path() + "/etc-xdg").toUtf8()); // the system mimeapps.list
     qputenv("XDG_CURRENT_DESKTOP", "");
 
     QApplication app(argc, argv);

@@ -1,0 +1,233 @@
+#include "core/MessageCatalogue.h"
+#include "support/FakeSeams.h"
+#include "system/FileAssociations.h"
+#include "system/MimeAppsList.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QString readText(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+void writeText(const QString &path, const QString &text)
+{
+    QDir().mkpath(path.section('/', 0, -2));
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    file.write(text.toUtf8());
+}
+
+// The per-user folders of the desktop point into a folder of this test.
+class FileAssociationsTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        m_savedConfig = qgetenv("XDG_CONFIG_HOME");
+        m_savedData = qgetenv("XDG_DATA_HOME");
+        qputenv("XDG_CONFIG_HOME", (root.path() + "/config").toUtf8());
+        qputenv("XDG_DATA_HOME", (root.path() + "/data").toUtf8());
+        places = FileAssociations::Places::standard();
+        places.systemMimeApps.clear();
+        places.programPath = "/opt/my programs/vimora";
+    }
+    void TearDown() override
+    {
+        qputenv("XDG_CONFIG_HOME", m_savedConfig);
+        qputenv("XDG_DATA_HOME", m_savedData);
+    }
+
+    QSet<QString> apply(const QSet<QString> &checked)
+    {
+        linked = FileAssociations::applyChoices(checked, linked, places, settings, messages);
+        return linked;
+    }
+    QString userDefault(const QString &mime) const
+    {
+        return MimeAppsList::load(places.userMimeApps).value("Default Applications", mime);
+    }
+    int backupWrites() const { return int(settings.writeLog.filter("RegBak/").size()); }
+
+    QTemporaryDir root;
+    FileAssociations::Places places;
+    MemorySettingsStore settings;
+    MessageCatalogue messages;
+    QSet<QString> linked;
+
+private:
+    QByteArray m_savedConfig, m_savedData;
+};
+
+TEST_F(FileAssociationsTest, PlacesFollowTheDesktopFolders)
+{
+    EXPECT_EQ(places.userMimeApps, root.path() + "/config/mimeapps.list");
+    EXPECT_EQ(places.desktopEntryFolder, root.path() + "/data/applications");
+}
+
+TEST_F(FileAssociationsTest, LinkingJpgWithoutDefaultWritesEntryDefaultsAndEmptyBackup)
+{
+    EXPECT_EQ(apply({"JPG"}), QSet<QString>({"JPG"}));
+
+    EXPECT_EQ(userDefault("image/jpeg"), "vimora.desktop;");
+    EXPECT_EQ(settings.read("RegBak", "JPGCmd", "none"), "image/jpeg=");
+    // JPEG shares the MIME type, already ours when its turn comes.
+    EXPECT_EQ(settings.read("RegBak", "JPEGCmd", "none"), "none");
+    EXPECT_EQ(settings.read("Linked", "JPG"), "Y");
+    for (const char *other : {"BMP", "GIF", "WMF", "EMF", "CUR", "RLE", "MPEG", "AVI", "IVF", "QT", "ASF", "RAM"})
+        EXPECT_EQ(settings.read("Linked", other), "N") << other;
+    EXPECT_TRUE(userDefault("image/bmp").isEmpty());
+
+    const QString entry = readText(places.desktopEntryFolder + "/vimora.desktop");
+    EXPECT_TRUE(entry.contains("\nExec=\"/opt/my programs/vimora\" %f\n")) << entry.toStdString();
+    EXPECT_TRUE(entry.contains("image/jpeg;"));
+    EXPECT_TRUE(entry.contains("Comment=View with Vimora\n"));
+}
+
+TEST_F(FileAssociationsTest, LinkingTwiceKeepsTheFirstBackup)
+{
+    writeText(places.userMimeApps, "[Default Applications]\nimage/jpeg=org.gnome.eog.desktop;\n");
+    apply({"JPG"});
+    apply({"JPG"});
+
+    EXPECT_EQ(settings.read("RegBak", "JPGCmd"), "image/jpeg=org.gnome.eog.desktop;");
+    EXPECT_EQ(backupWrites(), 1);
+    EXPECT_EQ(userDefault("image/jpeg"), "vimora.desktop;");
+}
+
+TEST_F(FileAssociationsTest, UnlinkingWhereThereWasNoDefaultRemovesOurs)
+{
+    apply({"JPG", "BMP"});
+    EXPECT_EQ(apply({"BMP"}), QSet<QString>({"BMP"}));
+
+    const MimeAppsList list = MimeAppsList::load(places.userMimeApps);
+    EXPECT_FALSE(list.toText().contains("image/jpeg"));
+    EXPECT_EQ(list.value("Default Applications", "image/bmp"), "vimora.desktop;");
+    EXPECT_EQ(list.value("Default Applications", "image/x-bmp"), "vimora.desktop;");
+    EXPECT_EQ(settings.read("Linked", "JPG"), "N");
+    EXPECT_EQ(settings.read("Linked", "BMP"), "Y");
+}
+
+TEST_F(FileAssociationsTest, UnlinkingRestoresTheOtherProgramsDefault)
+{
+    writeText(places.userMimeApps,
+              "[Default Applications]\nvideo/quicktime=vlc.desktop;mpv.desktop;\n");
+    apply({"QT"});
+    EXPECT_EQ(userDefault("video/quicktime"), "vimora.desktop;");
+    EXPECT_EQ(settings.read("RegBak", "QTCmd"), "video/quicktime=vlc.desktop;mpv.desktop;");
+
+    apply({});
+    EXPECT_EQ(readText(places.userMimeApps), "[Default Applications]\nvideo/quicktime=vlc.desktop;mpv.desktop;\n");
+}
+
+TEST_F(FileAssociationsTest, UnlinkingLeavesADefaultChosenAfterLinking)
+{
+    apply({"GIF"});
+    MimeAppsList list = MimeAppsList::load(places.userMimeApps);
+    list.setValue("Default Applications", "image/gif", "gimp.desktop;");
+    list.save(places.userMimeApps);
+
+    apply({});
+    EXPECT_EQ(userDefault("image/gif"), "gimp.desktop;");
+}
+
+TEST_F(FileAssociationsTest, ClearedBoxOfUnlinkedGroupOnlyStoresN)
+{
+    apply({});
+    EXPECT_FALSE(QFile::exists(places.userMimeApps));
+    EXPECT_FALSE(QFile::exists(places.desktopEntryFolder + "/vimora.desktop"));
+    EXPECT_EQ(settings.read("Linked", "JPG"), "N");
+    EXPECT_EQ(backupWrites(), 0);
+}
+
+TEST_F(FileAssociationsTest, SystemListIsChangedOnlyWhenItExists)
+{
+    places.systemMimeApps = root.path() + "/etc/mimeapps.list";
+    apply({"AVI"});
+    EXPECT_FALSE(QFile::exists(places.systemMimeApps));
+
+    writeText(places.systemMimeApps, "[Default Applications]\nvideo/x-msvideo=totem.desktop;\n");
+    apply({"AVI"});
+    EXPECT_EQ(MimeAppsList::load(places.systemMimeApps).value("Default Applications", "video/x-msvideo"),
+              "vimora.desktop;");
+    // Restored from the user's backup: the system list keeps none of its own.
+    apply({});
+    EXPECT_FALSE(readText(places.systemMimeApps).contains("video/x-msvideo="));
+}
+
+TEST(MimeAppsList, EditsKeepEveryOtherLine)
+{
+    const QString original = "# written by hand\n"
+                             "[Added Associations]\n"
+                             "image/jpeg=gimp.desktop;\n"
+                             "\n"
+                             "[Default Applications]\n"
+                             "; an old comment\n"
+                             "text/plain = org.gnome.TextEditor.desktop\n"
+                             "image/jpeg=org.gnome.eog.desktop;\n"
+                             "\n"
+                             "[Removed Associations]\n"
+                             "image/png=firefox.desktop;\n";
+    struct Case {
+        const char *what;
+        std::function<void(MimeAppsList &)> edit;
+        QString expected;
+    };
+    const QList<Case> cases{
+        {"nothing", [](MimeAppsList &) {}, original},
+        {"replace a key",
+         [](MimeAppsList &l) { l.setValue("Default Applications", "image/jpeg", "vimora.desktop;"); },
+         QString(original).replace("image/jpeg=org.gnome.eog.desktop;", "image/jpeg=vimora.desktop;")},
+        {"add a key after the group's last entry",
+         [](MimeAppsList &l) { l.setValue("Default Applications", "image/gif", "vimora.desktop;"); },
+         QString(original).replace("org.gnome.eog.desktop;\n", "org.gnome.eog.desktop;\nimage/gif=vimora.desktop;\n")},
+        {"remove a key",
+         [](MimeAppsList &l) { l.remove("Default Applications", "image/jpeg"); },
+         QString(original).remove("image/jpeg=org.gnome.eog.desktop;\n")},
+        {"remove a missing key", [](MimeAppsList &l) { l.remove("Default Applications", "video/mpeg"); }, original},
+        {"add a missing group",
+         [](MimeAppsList &l) { l.setValue("Vimora Test", "a/b", "c"); },
+         original + "\n[Vimora Test]\na/b=c\n"},
+    };
+    for (const Case &c : cases) {
+        MimeAppsList list = MimeAppsList::fromText(original);
+        c.edit(list);
+        EXPECT_EQ(list.toText(), c.expected) << c.what;
+    }
+
+    const MimeAppsList list = MimeAppsList::fromText(original);
+    EXPECT_EQ(list.value("Default Applications", "text/plain"), "org.gnome.TextEditor.desktop");
+    EXPECT_EQ(list.value("Added Associations", "image/jpeg"), "gimp.desktop;");
+    EXPECT_EQ(list.value("Default Applications", "image/png"), "");
+    EXPECT_EQ(list.value("Nowhere", "image/jpeg"), "");
+}
+
+TEST(MimeAppsList, ReadsWindowsLineEndsAndEmptyText)
+{
+    const MimeAppsList crlf = MimeAppsList::fromText("[Default Applications]\r\nimage/gif=a.desktop;\r\n");
+    EXPECT_EQ(crlf.value("Default Applications", "image/gif"), "a.desktop;");
+    MimeAppsList empty = MimeAppsList::fromText("");
+    empty.setValue("Default Applications", "image/gif", "vimora.desktop;");
+    EXPECT_EQ(empty.toText(), "[Default Applications]\nimage/gif=vimora.desktop;\n");
+    EXPECT_EQ(MimeAppsList::load("/nonexistent/mimeapps.list").toText(), "");
+}
+
+TEST(DesktopEntry, ExecQuotesTheProgramPath)
+{
+    const QList<QPair<QString, QString>> cases{
+        {"/usr/bin/vimora", R"("/usr/bin/vimora" %f)"},
+        {"/home/me/my build/vimora", R"("/home/me/my build/vimora" %f)"},
+        {"/tmp/$HOME/a\"b`c", R"("/tmp/\\$HOME/a\\"b\\`c" %f)"},
+        {"/tmp/back\\slash", R"("/tmp/back\\\\slash" %f)"},
+    };
+    for (const auto &[path, expected] : cases)
+        EXPECT_EQ(FileAssociations::execLine(path), expected) << path.toStdString();
+}
+
+} // namespace

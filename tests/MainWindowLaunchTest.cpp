@@ -1,0 +1,172 @@
+#include "support/MainWindowFixture.h"
+
+#include "files/HelpWindow.h"
+#include "files/TechCre.h"
+#include "system/TechLink.h"
+
+#include <QAction>
+#include <QDialog>
+#include <QFile>
+#include <QGroupBox>
+#include <QMenu>
+#include <QTest>
+#include <QTextBrowser>
+#include <QTimer>
+
+namespace {
+
+void copyHelpPages(const QString &programFolder)
+{
+    for (const char *page : {"PR_EN.html", "PR_IT.html"})
+        QFile::copy(QStringLiteral(VIMORA_SOURCE_DIR "/resources/") + page, programFolder + page);
+}
+
+TEST(MainWindowLaunch, ShellOpenIsOfferedUnlessTheTypeIsLinked)
+{
+    MainWindowFixture fixture;
+    fixture.makeFiles(fixture.programFolder(), {"a.jpg", "b.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    fixture.settings().write("Linked", "JPG", "Y");
+    frmMain &window = fixture.start();
+    EXPECT_EQ(fixture.state->LinkedTypes, QSet<QString>({"JPG"}));
+
+    emit window.SFPOPUP->aboutToShow();
+    EXPECT_FALSE(window.mnuShellOpen->isVisible());
+    EXPECT_TRUE(window.mnuShellEdit->isVisible());
+
+    window.cmdNext_Click();
+    emit window.SFPOPUP->aboutToShow();
+    EXPECT_TRUE(window.mnuShellOpen->isVisible());
+    EXPECT_TRUE(window.mnuShellOpen->isEnabled());
+
+    window.mnuShellOpen->trigger();
+    ASSERT_EQ(fixture.launcher.started.size(), 1);
+    EXPECT_EQ(fixture.launcher.started[0].first, "xdg-open");
+    EXPECT_EQ(fixture.launcher.started[0].second, QStringList{fixture.programFolder() + "b.bmp"});
+}
+
+TEST(MainWindowLaunch, FolderPopupShowsAndExploresTheEntryItWasOpenedOver)
+{
+    MainWindowFixture fixture;
+    const QString photos = fixture.makeFolder("program/photos");
+    fixture.makeFiles(photos, {"p.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start();
+    EXPECT_TRUE(window.mnuDirOpen->isEnabled());
+    EXPECT_TRUE(window.mnuDirExpl->isEnabled());
+
+    window.setDir1Path(photos);
+    QCoreApplication::processEvents();
+    const QRect row = window.Dir1->visualRect(window.Dir1->currentIndex());
+    window.setDir1Path(fixture.programFolder().chopped(1));
+    QCoreApplication::processEvents();
+    emit window.Dir1->customContextMenuRequested(row.center());
+    window.DIRPOPUP->close();
+
+    window.mnuDirExpl->trigger();
+    ASSERT_EQ(fixture.launcher.started.size(), 1);
+    EXPECT_EQ(fixture.launcher.started[0].second, QStringList{photos});
+
+    window.mnuDirOpen->trigger();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(fixture.state->CurrentFolder, photos);
+}
+
+TEST(MainWindowLaunch, HelpShowsThePageOfTheCurrentLanguage)
+{
+    MainWindowFixture fixture;
+    copyHelpPages(fixture.programFolder());
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start();
+
+    window.cmdHelp->click();
+    HelpWindow *help = window.helpWindow();
+    ASSERT_NE(help, nullptr);
+    EXPECT_TRUE(help->isVisible());
+    EXPECT_TRUE(help->txtHelp->source().toLocalFile().endsWith("/PR_EN.html"));
+    EXPECT_TRUE(help->txtHelp->toPlainText().contains("Thumbnail index"));
+
+    fixture.prompts.languages = {"IT"};
+    QTest::keyClick(&window, Qt::Key_F2);
+    QTest::keyClick(&window, Qt::Key_F1);
+    EXPECT_EQ(window.helpWindow(), help);
+    EXPECT_TRUE(help->txtHelp->source().toLocalFile().endsWith("/PR_IT.html"));
+    EXPECT_TRUE(help->txtHelp->toPlainText().contains("Indice delle miniature"));
+    help->close();
+}
+
+TEST(MainWindowLaunch, MissingHelpFileIsSaidInTheHelpWindow)
+{
+    MainWindowFixture fixture;
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start();
+    window.cmdHelp_Click();
+    ASSERT_NE(window.helpWindow(), nullptr);
+    EXPECT_TRUE(window.helpWindow()->txtHelp->toPlainText().startsWith("The help file was not found:"));
+    EXPECT_TRUE(window.helpWindow()->txtHelp->toPlainText().contains("PR_EN.html"));
+    window.helpWindow()->close();
+}
+
+TEST(MainWindowLaunch, AboutBoxShowsVersionAndOpensTheHomePage)
+{
+    for (const char *language : {"EN", "IT"}) {
+        MainWindowFixture fixture;
+        fixture.settings().write("UserDef", "Language", language);
+        frmMain &window = fixture.start();
+        window.ChkCicle->setChecked(true);
+
+        bool seen = false;
+        QTimer::singleShot(0, [&] {
+            auto *about = qobject_cast<TechCre *>(QApplication::activeModalWidget());
+            ASSERT_NE(about, nullptr);
+            EXPECT_FALSE(window.TimerImage->isActive()); // the slideshow waits
+            seen = true;
+            if (QString(language) == "EN") {
+                EXPECT_EQ(about->windowTitle(), "About");
+                EXPECT_EQ(about->LabVers->text(), "Version 2.1");
+                EXPECT_EQ(about->LabHome->text(), "Visit the Vimora Home Page");
+            } else {
+                EXPECT_EQ(about->windowTitle(), "Informazioni");
+                EXPECT_EQ(about->LabVers->text(), "Versione 2.1");
+            }
+            QTest::mouseClick(about->LabHome, Qt::LeftButton);
+            about->CmdOk->click();
+        });
+        window.cmdAbout->click();
+        EXPECT_TRUE(seen) << language;
+        EXPECT_TRUE(window.TimerImage->isActive());
+        ASSERT_EQ(fixture.launcher.started.size(), 1);
+        EXPECT_EQ(fixture.launcher.started[0].second, QStringList{"https://vimora.org/"});
+    }
+}
+
+TEST(MainWindowLaunch, AssociationDialogEnablesOkOnAClickAndStoresTheMarks)
+{
+    MainWindowFixture fixture;
+    fixture.settings().write("UserDef", "Language", "EN");
+    fixture.settings().write("Linked", "AVI", "Y");
+    frmMain &window = fixture.start();
+
+    bool seen = false;
+    QTimer::singleShot(0, [&] {
+        auto *link = qobject_cast<TechLink *>(QApplication::activeModalWidget());
+        ASSERT_NE(link, nullptr);
+        seen = true;
+        EXPECT_EQ(link->Frame1->title(), "Set as default player for file types:");
+        EXPECT_EQ(link->checkBoxes.size(), 13);
+        EXPECT_TRUE(link->checkBoxes["AVI"]->isChecked());
+        EXPECT_FALSE(link->checkBoxes["JPG"]->isChecked());
+        EXPECT_FALSE(link->CmdOk->isEnabled());
+        link->checkBoxes["GIF"]->click();
+        link->checkBoxes["AVI"]->click();
+        EXPECT_TRUE(link->CmdOk->isEnabled());
+        link->CmdOk->click();
+    });
+    window.cmdLink->click();
+    EXPECT_TRUE(seen);
+    EXPECT_EQ(fixture.state->LinkedTypes, QSet<QString>({"GIF"}));
+    EXPECT_EQ(fixture.settings().read("Linked", "GIF"), "Y");
+    EXPECT_EQ(fixture.settings().read("Linked", "AVI"), "N");
+}
+
+} // namespace
