@@ -122,8 +122,9 @@ TEST(ShellLaunch, IndexShellOpenSkipsTypesLinkedToVimora)
         RecordingLauncher launcher;
         EXPECT_EQ(ShellLaunch::indexShellOpen(c.path, c.linked, launcher), c.launches) << c.path;
         EXPECT_EQ(launcher.started.size(), c.launches ? 1 : 0) << c.path;
-        if (c.launches)
+        if (c.launches) {
             EXPECT_EQ(launcher.started[0].second, QStringList{c.path});
+        }
     }
 }
 
