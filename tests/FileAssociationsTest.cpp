@@ -230,4 +230,14 @@ TEST(DesktopEntry, ExecQuotesTheProgramPath)
         EXPECT_EQ(FileAssociations::execLine(path), expected) << path.toStdString();
 }
 
+TEST(DesktopEntry, ShippedEntryPassesOnePathAndNamesEveryLinkableType)
+{
+    const MimeAppsList shipped = MimeAppsList::load(VIMORA_SOURCE_DIR "/resources/vimora.desktop");
+    // %f: one local path per start, which Vimora takes whole.
+    EXPECT_EQ(shipped.value("Desktop Entry", "Exec"), "vimora %f");
+    const QStringList types = shipped.value("Desktop Entry", "MimeType").split(';', Qt::SkipEmptyParts);
+    for (const QString &mime : AssociationGroups::allMimeTypes())
+        EXPECT_TRUE(types.contains(mime)) << mime.toStdString();
+}
+
 } // namespace
