@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QDialog>
 #include <QFile>
+#include <QFileSystemModel>
 #include <QGroupBox>
 #include <QMenu>
 #include <QTest>
@@ -55,12 +56,14 @@ TEST(MainWindowLaunch, FolderPopupShowsAndExploresTheEntryItWasOpenedOver)
     EXPECT_TRUE(window.mnuDirOpen->isEnabled());
     EXPECT_TRUE(window.mnuDirExpl->isEnabled());
 
-    window.setDir1Path(photos);
+    // The pop-up is opened over the photos entry while the browsed folder is its parent.
+    auto *model = qobject_cast<QFileSystemModel *>(window.Dir1->model());
+    ASSERT_NE(model, nullptr);
+    const QModelIndex entry = model->index(photos);
+    window.Dir1->scrollTo(entry);
     QCoreApplication::processEvents();
-    const QRect row = window.Dir1->visualRect(window.Dir1->currentIndex());
-    window.setDir1Path(fixture.programFolder().chopped(1));
-    QCoreApplication::processEvents();
-    emit window.Dir1->customContextMenuRequested(row.center());
+    EXPECT_EQ(fixture.state->CurrentFolder + '/', fixture.programFolder());
+    emit window.Dir1->customContextMenuRequested(window.Dir1->visualRect(entry).center());
     window.DIRPOPUP->close();
 
     window.mnuDirExpl->trigger();
@@ -167,6 +170,28 @@ TEST(MainWindowLaunch, AssociationDialogEnablesOkOnAClickAndStoresTheMarks)
     EXPECT_EQ(fixture.state->LinkedTypes, QSet<QString>({"GIF"}));
     EXPECT_EQ(fixture.settings().read("Linked", "GIF"), "Y");
     EXPECT_EQ(fixture.settings().read("Linked", "AVI"), "N");
+}
+
+TEST(MainWindowLaunch, AssociationDialogEscapeChangesNothingAndF1OpensHelp)
+{
+    MainWindowFixture fixture;
+    copyHelpPages(fixture.programFolder());
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start();
+
+    QTimer::singleShot(0, [&] {
+        auto *link = qobject_cast<TechLink *>(QApplication::activeModalWidget());
+        ASSERT_NE(link, nullptr);
+        QTest::keyClick(link, Qt::Key_F1);
+        link->checkBoxes["JPG"]->click();
+        QTest::keyClick(link, Qt::Key_Escape);
+    });
+    window.cmdLink_Click();
+    ASSERT_NE(window.helpWindow(), nullptr);
+    EXPECT_TRUE(window.helpWindow()->isVisible());
+    EXPECT_TRUE(fixture.state->LinkedTypes.isEmpty());
+    EXPECT_EQ(fixture.settings().read("Linked", "JPG", "unset"), "unset");
+    window.helpWindow()->close();
 }
 
 } // namespace
