@@ -3,8 +3,11 @@
 #include "system/FileAssociations.h"
 #include "system/MimeAppsList.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -88,6 +91,24 @@ TEST_F(FileAssociationsTest, LinkingJpgWithoutDefaultWritesEntryDefaultsAndEmpty
     EXPECT_TRUE(entry.contains("\nExec=\"/opt/my programs/vimora\" %f\n")) << entry.toStdString();
     EXPECT_TRUE(entry.contains("image/jpeg;"));
     EXPECT_TRUE(entry.contains("Comment=View with Vimora\n"));
+}
+
+// What a double-click asks: the desktop's own tools must find Vimora.
+TEST_F(FileAssociationsTest, DesktopToolsFindVimoraForALinkedType)
+{
+    const QString xdgMime = QStandardPaths::findExecutable("xdg-mime");
+    if (xdgMime.isEmpty())
+        GTEST_SKIP() << "xdg-mime is not installed";
+    places.programPath = QCoreApplication::applicationFilePath(); // the tools check that it exists
+    apply({"JPG"});
+
+    QProcess query;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove("XDG_CURRENT_DESKTOP"); // the desktop-neutral lookup
+    query.setProcessEnvironment(environment);
+    query.start(xdgMime, {"query", "default", "image/jpeg"});
+    ASSERT_TRUE(query.waitForFinished(10000));
+    EXPECT_EQ(QString::fromUtf8(query.readAllStandardOutput()).trimmed(), "vimora.desktop");
 }
 
 TEST_F(FileAssociationsTest, LinkingTwiceKeepsTheFirstBackup)
@@ -218,10 +239,10 @@ TEST(MimeAppsList, ReadsWindowsLineEndsAndEmptyText)
     EXPECT_EQ(MimeAppsList::load("/nonexistent/mimeapps.list").toText(), "");
 }
 
-TEST(DesktopEntry, ExecQuotesTheProgramPath)
+TEST(DesktopEntry, ExecQuotesTheProgramPathOnlyWhenItMust)
 {
     const QList<QPair<QString, QString>> cases{
-        {"/usr/bin/vimora", R"("/usr/bin/vimora" %f)"},
+        {"/usr/bin/vimora", R"(/usr/bin/vimora %f)"},
         {"/home/me/my build/vimora", R"("/home/me/my build/vimora" %f)"},
         {"/tmp/$HOME/a\"b`c", R"("/tmp/\\$HOME/a\\"b\\`c" %f)"},
         {"/tmp/back\\slash", R"("/tmp/back\\\\slash" %f)"},

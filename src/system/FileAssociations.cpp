@@ -11,6 +11,8 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace FileAssociations {
 
 namespace {
@@ -75,6 +77,11 @@ Places Places::standard()
 
 QString execLine(const QString &programPath)
 {
+    // A plain path is written bare: xdg-mime's own reader of desktop entries
+    // takes the quotes for part of the program name and skips the entry.
+    static const QString reserved = QStringLiteral(" \t\n\"'\\><~|&;$*?#()`");
+    if (std::none_of(programPath.begin(), programPath.end(), [](QChar c) { return reserved.contains(c); }))
+        return programPath + QStringLiteral(" %f");
     // Inside a quoted argument the desktop entry format puts a backslash
     // before " ` $ and the backslash; the key file doubles each backslash.
     QString quoted;
