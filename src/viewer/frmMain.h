@@ -9,13 +9,17 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 
 struct AppState;
 class Launcher;
 class MoviePlayer;
 class PictureView;
 class Prompts;
+class clsCommonDialog;
 class QAction;
+class QImage;
+class QPrinter;
 class QCheckBox;
 class QComboBox;
 class QFileSystemModel;
@@ -163,9 +167,25 @@ public:
     void Option1_Click();
     void ZoomTo(int percent);
 
+    // Picture output: copies, areas, clipboard, frame grabs, printing, wallpaper.
+    void cmdSave_Click();
+    void mnuCropSave_Click();
+    void Copia_Area(const QString &fileName, QWidget *target);
+    void cmdClip_Click();
+    void mnuCropClip_Click();
+    void cmdGrab_Click();
+    void cmdPrint_Click();
+    void mnuCropPrint_Click();
+    void mnuWall_Click();
+    void mnuRemoveWall_Click();
+    QPrinter &currentPrinter(); // the printer the print dialog starts from
+
 signals:
     void fileShown(const QString &path);
     void listLoaded();
+    // A copy, area or frame was written into the browsed folder and the list
+    // reloaded: the thumbnail page should reload too.
+    void outputWrittenIntoFolder(const QString &path);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -220,6 +240,25 @@ private:
     void panTo(QWidget *target, QPoint globalPosition);
     void showContextMenu(QPoint globalPosition);
 
+    // Picture output (frmMainOutput.cpp).
+    struct MovieFrameHold {
+        double position = 0;
+        bool wasPlaying = false;
+        bool controlBarShown = true;
+        int displaySize = 0;
+    };
+    void connectOutputHandlers();
+    MovieFrameHold holdMovieFrame();
+    QImage heldMovieFrame();
+    void releaseMovieFrame(const MovieFrameHold &hold);
+    QImage areaPicture(QWidget *target);
+    QImage currentPicture();
+    void printFromDialog(const std::function<QImage()> &picture);
+    QString outputFolder() const;
+    void reportDialogError(const clsCommonDialog &dialog);
+    void reloadAfterWrite(const QString &path);
+    void endOutputCommand(bool grabToo);
+
     AppState &m_state;
     Prompts &m_prompts;
     Launcher &m_launcher;
@@ -248,4 +287,5 @@ private:
     int m_listGeneration = 0;       // a new list load cancels the running one
     qint64 m_slidesLaunchPid = 0;
     std::function<QList<Drive>()> m_listDrives = listDrives;
+    std::shared_ptr<QPrinter> m_printer; // shared_ptr: QPrinter stays incomplete here
 };
