@@ -248,6 +248,7 @@ private:
         int displaySize = 0;
     };
     void connectOutputHandlers();
+    void outputKeyPress(int key, Qt::KeyboardModifiers modifiers);
     MovieFrameHold holdMovieFrame();
     QImage heldMovieFrame();
     void releaseMovieFrame(const MovieFrameHold &hold);

@@ -55,6 +55,24 @@ void frmMain::connectOutputHandlers()
     });
 }
 
+void frmMain::outputKeyPress(int key, Qt::KeyboardModifiers modifiers)
+{
+    const bool alt = modifiers == Qt::AltModifier;
+    const bool control = modifiers == Qt::ControlModifier;
+    if (((modifiers == Qt::NoModifier && key == Qt::Key_F8) || (control && key == Qt::Key_A)) && m_state.MainMovieLoaded)
+        cmdGrab_Click();
+    if (control && key == Qt::Key_C)
+        cmdClip_Click();
+    if (alt && key == Qt::Key_C)
+        cmdSave_Click();
+    if (alt && key == Qt::Key_P)
+        cmdPrint_Click();
+    if (alt && (key == Qt::Key_W || key == Qt::Key_S))
+        mnuWall_Click();
+    if (alt && (key == Qt::Key_E || key == Qt::Key_V))
+        mnuRemoveWall_Click();
+}
+
 QString frmMain::outputFolder() const
 {
     return m_state.OutputFolder.isEmpty() ? m_state.CurrentFolder : m_state.OutputFolder;
