@@ -1,5 +1,6 @@
 #include "output/Wallpaper.h"
 
+#include "output/PictureOutput.h"
 #include "platform/DataFolder.h"
 #include "platform/Launcher.h"
 
@@ -134,6 +135,40 @@ bool run(Launcher &launcher, const QList<Command> &commands)
     for (const Command &command : commands)
         allStarted = launcher.start(command.program, command.arguments).started && allStarted;
     return allStarted;
+}
+
+namespace {
+Outcome setKept(Launcher &launcher, const QString &kept, bool written, const QString &currentDesktop)
+{
+    if (!written)
+        return Outcome::NotWritten;
+    if (!run(launcher, setCommands(desktopOf(currentDesktop), kept))) {
+        QFile::remove(kept);
+        return Outcome::NoSetter;
+    }
+    removeOlderKept(kept);
+    return Outcome::Set;
+}
+} // namespace
+
+Outcome setFromBitmapFile(Launcher &launcher, const QString &bitmapPath, const QString &currentDesktop)
+{
+    const QString kept = newKeptPath();
+    return setKept(launcher, kept, PictureOutput::copyFile(bitmapPath, kept), currentDesktop);
+}
+
+Outcome setFromPicture(Launcher &launcher, const QImage &picture, const QString &currentDesktop)
+{
+    const QString kept = newKeptPath();
+    const QString scratch = PictureOutput::TempBitmapPath();
+    const bool written = PictureOutput::saveBitmap(picture, scratch) && PictureOutput::copyFile(scratch, kept);
+    QFile::remove(scratch);
+    return setKept(launcher, kept, written, currentDesktop);
+}
+
+Outcome remove(Launcher &launcher, const QString &currentDesktop)
+{
+    return run(launcher, removeCommands(desktopOf(currentDesktop))) ? Outcome::Set : Outcome::NoSetter;
 }
 
 } // namespace Wallpaper

@@ -7,6 +7,7 @@
 #include <functional>
 
 class Launcher;
+class QImage;
 
 // The desktop background, set through the desktop's own setter.
 namespace Wallpaper {
@@ -39,5 +40,14 @@ void removeOlderKept(const QString &kept);
 
 // Starts the commands; false when there are none or one could not start.
 bool run(Launcher &launcher, const QList<Command> &commands);
+
+enum class Outcome { Set, NotWritten, NoSetter };
+
+// Sets a wallpaper on the desktop named by currentDesktop: a bitmap file
+// is kept as it is; any other picture (or a movie frame) passes through the
+// scratch bitmap, which is removed at once. Every window's command uses it.
+Outcome setFromBitmapFile(Launcher &launcher, const QString &bitmapPath, const QString &currentDesktop);
+Outcome setFromPicture(Launcher &launcher, const QImage &picture, const QString &currentDesktop);
+Outcome remove(Launcher &launcher, const QString &currentDesktop);
 
 } // namespace Wallpaper

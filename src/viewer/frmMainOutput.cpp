@@ -4,6 +4,7 @@
 #include "core/MessageCatalogue.h"
 #include "output/OutputRules.h"
 #include "output/PictureOutput.h"
+#include "output/PrintCommand.h"
 #include "output/Wallpaper.h"
 #include "output/clsCommonDialog.h"
 #include "platform/MoviePlayer.h"
@@ -28,7 +29,6 @@
 using OutputRules::Numbered;
 
 namespace {
-constexpr std::int32_t PrintFlags = clsCommonDialog::UseDriverCopies | clsCommonDialog::NoSelection;
 constexpr int FrameWaitMs = 2000; // a paused movie shows its frame within this
 } // namespace
 
@@ -362,42 +362,25 @@ QImage frmMain::currentPicture()
     return frame;
 }
 
-// The print dialog, then the copies: slides by their own program, anything
-// else drawn by Vimora. The movie stays paused while the dialog is open.
+// The movie stays paused while the print dialog is open.
 void frmMain::printFromDialog(const std::function<QImage()> &picture)
 {
     stopSlideTimer();
     QCoreApplication::processEvents();
     for (QToolButton *button : {cmdClip, cmdPrint, cmdGrab})
         button->setEnabled(false);
-    MovieFrameHold paused;
-    const bool movie = m_state.MainMovieLoaded;
-    if (movie) {
-        paused.position = MediaPlayer1->CurrentPosition();
-        paused.wasPlaying = MediaPlayer1->PlayState() == MoviePlayer::Playing;
-        if (paused.wasPlaying)
-            MediaPlayer1->Pause();
-    }
-
-    clsCommonDialog dialog;
-    dialog.setParent(this);
-    dialog.CancelError = true;
-    dialog.Flags = PrintFlags;
-    if (dialog.ShowPrinter(m_prompts, currentPrinter())) {
-        const int copies = dialog.Copies();
-        if (m_state.FileTypeCode == u"PPT") {
-            for (int copy = 0; copy < copies; ++copy)
-                PictureOutput::printWithOwnProgram(m_launcher, m_state.currentPath()); // errors ignored
-        } else {
-            const QImage shown = picture();
-            if (!PictureOutput::printPicture(currentPrinter(), shown, copies))
-                m_prompts.ask({m_state.messages.GetMsg(20802, QStringLiteral("The picture could not be printed.")),
-                               PromptButtons::Ok, PromptIcon::Critical});
-        }
-    } else {
-        reportDialogError(dialog);
-    }
-    if (movie && paused.wasPlaying)
+    const bool resume = m_state.MainMovieLoaded && MediaPlayer1->PlayState() == MoviePlayer::Playing;
+    if (resume)
+        MediaPlayer1->Pause();
+    const QString slides = m_state.FileTypeCode == u"PPT" ? m_state.currentPath() : QString();
+    const PrintCommand::Result result =
+        PrintCommand::run(m_prompts, m_launcher, currentPrinter(), this, picture, slides);
+    if (!result.dialogError.isEmpty())
+        m_prompts.ask({result.dialogError, PromptButtons::Ok});
+    if (result.outcome == PrintCommand::Outcome::Failed)
+        m_prompts.ask({m_state.messages.GetMsg(20802, QStringLiteral("The picture could not be printed.")),
+                       PromptButtons::Ok, PromptIcon::Critical});
+    if (resume)
         MediaPlayer1->Play();
     endOutputCommand(true);
 }
@@ -423,39 +406,23 @@ void frmMain::mnuWall_Click()
     if (m_state.CurrentFileName.isEmpty() || m_state.FileTypeCode == u"PPT")
         return;
     stopSlideTimer();
-    const QString kept = Wallpaper::newKeptPath();
-    bool written = false;
-    if (m_state.FileTypeCode == u"BMP") {
-        written = PictureOutput::copyFile(m_state.currentPath(), kept);
-    } else {
-        // Other pictures and frames pass through the scratch bitmap, which
-        // goes once the kept file holds it.
-        const QString scratch = PictureOutput::TempBitmapPath();
-        const QImage picture = currentPicture();
-        written = PictureOutput::saveBitmap(picture, scratch) && PictureOutput::copyFile(scratch, kept);
-        QFile::remove(scratch);
-    }
+    const QString desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP");
+    const Wallpaper::Outcome outcome = m_state.FileTypeCode == u"BMP"
+        ? Wallpaper::setFromBitmapFile(m_launcher, m_state.currentPath(), desktop)
+        : Wallpaper::setFromPicture(m_launcher, currentPicture(), desktop);
     QCoreApplication::processEvents();
-    if (!written) {
-        m_prompts.ask({m_state.messages.GetMsg(20804, QStringLiteral("The picture could not be written to the file."))
-                           + QLatin1Char('\n') + kept,
+    if (outcome == Wallpaper::Outcome::NotWritten)
+        m_prompts.ask({m_state.messages.GetMsg(20804, QStringLiteral("The picture could not be written to the file.")),
                        PromptButtons::Ok, PromptIcon::Critical});
-    } else if (Wallpaper::run(m_launcher, Wallpaper::setCommands(Wallpaper::desktopOf(
-                                              qEnvironmentVariable("XDG_CURRENT_DESKTOP")),
-                                          kept))) {
-        Wallpaper::removeOlderKept(kept);
-    } else {
-        QFile::remove(kept);
+    else if (outcome == Wallpaper::Outcome::NoSetter)
         m_prompts.ask({m_state.messages.GetMsg(20800, QStringLiteral("No program to set the wallpaper was found for this desktop.")),
                        PromptButtons::Ok, PromptIcon::Exclamation});
-    }
     restartSlideTimerIfOn();
 }
 
 void frmMain::mnuRemoveWall_Click()
 {
-    const auto desktop = Wallpaper::desktopOf(qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
-    if (!Wallpaper::run(m_launcher, Wallpaper::removeCommands(desktop)))
+    if (Wallpaper::remove(m_launcher, qEnvironmentVariable("XDG_CURRENT_DESKTOP")) != Wallpaper::Outcome::Set)
         m_prompts.ask({m_state.messages.GetMsg(20801, QStringLiteral("This desktop offers no way to remove the wallpaper.")),
                        PromptButtons::Ok, PromptIcon::Exclamation});
 }
