@@ -154,6 +154,15 @@ TEST(MainWindowOutput, ClipboardGetsThePictureAtItsStoredSize)
     EXPECT_TRUE(window.cmdClip->isEnabled());
     EXPECT_TRUE(window.cmdPrint->isEnabled());
     EXPECT_FALSE(window.cmdGrab->isEnabled()); // no movie, no frame
+
+    // An icon goes as shown on the screen, here at twice its size.
+    window.Mostra_Image(false, QStringLiteral(VIMORA_BUILT_DATA_DIR "/sample.ico"), true);
+    ASSERT_EQ(fixture.state->FileTypeCode, "ICO");
+    window.ZoomTo(200);
+    QCoreApplication::processEvents();
+    ASSERT_EQ(window.ImgEgg->size(), window.ImgEgg->naturalSize() * 2);
+    window.cmdClip->click();
+    EXPECT_EQ(QGuiApplication::clipboard()->image().size(), window.ImgEgg->size());
 }
 
 TEST(MainWindowOutput, TwoGrabsOfAMovieAreNumberedAndPlaybackGoesOn)

@@ -17,6 +17,12 @@ QString withoutTrailingSlash(QString folder)
 }
 } // namespace
 
+QString StripNul(const QString &text)
+{
+    const qsizetype nul = text.indexOf(QChar(0));
+    return nul < 0 ? text : text.left(nul);
+}
+
 bool sameFolder(const QString &a, const QString &b)
 {
     return withoutTrailingSlash(a).compare(withoutTrailingSlash(b), Qt::CaseInsensitive) == 0;

@@ -11,6 +11,9 @@
 // The naming and area rules of the output commands, without widgets.
 namespace OutputRules {
 
+// A dialog's text up to its first NUL character.
+QString StripNul(const QString &text);
+
 // The name the copy dialog proposes: "Copy of photo.jpg" when the copy
 // would land beside the original (copyOf is that text's first part).
 QString copyProposedName(const QString &saveFolder, const QString &currentFolder, const QString &fileName,

@@ -1,5 +1,6 @@
 #include "output/clsCommonDialog.h"
 
+#include "output/OutputRules.h"
 #include "platform/Prompts.h"
 
 #include <QFileInfo>
@@ -9,14 +10,6 @@
 namespace {
 std::int16_t stored(std::int16_t value) { return value < 1 ? std::int16_t(0) : value; }
 } // namespace
-
-namespace OutputRules {
-QString StripNul(const QString &text)
-{
-    const qsizetype nul = text.indexOf(QChar(0));
-    return nul < 0 ? text : text.left(nul);
-}
-} // namespace OutputRules
 
 std::int16_t clsCommonDialog::Copies() const { return (Flags & UseDriverCopies) ? std::int16_t(1) : m_copies; }
 

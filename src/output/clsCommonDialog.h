@@ -71,8 +71,3 @@ private:
     std::int16_t m_copies = 0;
     std::int16_t m_min = 0, m_max = 0, m_fromPage = 0, m_toPage = 0;
 };
-
-namespace OutputRules {
-// A dialog's text up to its first NUL character.
-QString StripNul(const QString &text);
-} // namespace OutputRules

@@ -17,7 +17,6 @@
 #include <QClipboard>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
-#include <QFile>
 #include <QFileInfo>
 #include <QFrame>
 #include <QGuiApplication>
@@ -284,7 +283,7 @@ void frmMain::cmdClip_Click()
         picture = heldMovieFrame();
         releaseMovieFrame(hold);
     } else if (m_state.FileTypeCode == u"ICO" || m_state.FileTypeCode == u"CUR") {
-        picture = ImgEgg->grab().toImage(); // as shown, over the window's background
+        picture = grab(ImgEgg->geometry()).toImage(); // as shown, over the window's background
     } else if (m_state.FileTypeCode != u"PPT") {
         picture = PictureLoader::load(m_state.currentPath()).image; // the stored resolution, not the zoom
         if (picture.isNull() && !QFileInfo::exists(m_state.currentPath()))
