@@ -1,7 +1,13 @@
 #include "output/OutputRules.h"
+#include "output/PictureOutput.h"
 #include "output/Wallpaper.h"
 #include "output/clsCommonDialog.h"
 #include "support/FakeSeams.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -186,4 +192,30 @@ TEST(WallpaperSetter, ChosenFromTheCurrentDesktop)
     EXPECT_EQ(Wallpaper::setCommands(Desktop::Other, file, only("feh")).value(0).program, "feh");
     EXPECT_TRUE(Wallpaper::setCommands(Desktop::Other, file, only("nothing")).isEmpty());
     EXPECT_TRUE(Wallpaper::removeCommands(Desktop::Other, only("nothing")).isEmpty());
+}
+
+TEST(OutputFiles, AFailedWriteLeavesTheDestinationAsItWas)
+{
+    QTemporaryDir dir;
+    const QString destination = dir.filePath("kept.bmp");
+    {
+        QFile file(destination);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("precious");
+    }
+    QString why;
+    EXPECT_FALSE(PictureOutput::copyFile(dir.filePath("missing.jpg"), destination, &why));
+    EXPECT_FALSE(why.isEmpty());
+    EXPECT_FALSE(PictureOutput::saveBitmap(QImage(), destination));
+    QFile file(destination);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "precious");
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList({"kept.bmp"})); // no temporary left
+
+    QImage picture(5, 3, QImage::Format_ARGB32);
+    picture.fill(QColor(10, 20, 30));
+    ASSERT_TRUE(PictureOutput::saveBitmap(picture, destination));
+    const QImage back(destination, "BMP");
+    EXPECT_EQ(back.size(), QSize(5, 3));
+    EXPECT_EQ(back.pixelColor(4, 2), QColor(10, 20, 30));
 }
