@@ -236,7 +236,9 @@ frmMain::MovieFrameHold frmMain::holdMovieFrame()
         MediaPlayer1->Pause();
     }
     hold.controlBarShown = MediaPlayer1->controlBarShown();
-    hold.displaySize = MediaPlayer1->DisplaySize();
+    // A full-screen player is left for good, as a grab leaves full-screen view.
+    hold.displaySize = MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen ? int(MoviePlayer::NormalSize)
+                                                                                : MediaPlayer1->DisplaySize();
     MediaPlayer1->setControlBarShown(false);
     MediaPlayer1->setDisplaySize(MoviePlayer::NormalSize);
     QCoreApplication::processEvents();
