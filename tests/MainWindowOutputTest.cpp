@@ -127,6 +127,17 @@ TEST(MainWindowOutput, AreaIsSavedNumberedAtTheSelectionsSize)
     EXPECT_TRUE(fixture.state->FileNames.contains("photo_[a8].bmp"));
     EXPECT_EQ(fixture.state->OutputFolder, folder);
 
+    // Saved elsewhere, the next number comes from there although the
+    // dialog still opens in the save folder.
+    const QString other = fixture.makeFolder("other");
+    fixture.prompts.files = {other + "/photo_[a3].bmp", QString()};
+    window.mnuCropSave->trigger();
+    EXPECT_EQ(fixture.state->OutputFolder, other);
+    window.mnuCropSave->trigger();
+    EXPECT_EQ(fixture.prompts.fileRequests.last().fileName, "photo_[a4].bmp");
+    EXPECT_EQ(fixture.prompts.fileRequests.last().folder, fixture.state->SaveFolder);
+    EXPECT_NE(fixture.state->SaveFolder, other);
+
     // The area to the clipboard is the same rectangle.
     window.mnuCropClip->trigger();
     EXPECT_EQ(QGuiApplication::clipboard()->image().size(), QSize(300, 200));
