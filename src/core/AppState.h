@@ -42,6 +42,9 @@ struct AppState {
     bool AnimateGifs = true;
     bool ShowTooltips = true;
     QString SaveFolder;
+    // Where area and frame files are numbered: the browsed folder, or the
+    // folder the last one went to.
+    QString OutputFolder;
 
     // Guard and cancellation flags.
     bool BrowserReady = false;

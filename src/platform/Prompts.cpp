@@ -5,6 +5,8 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPrintDialog>
+#include <QPrinter>
 
 PromptAnswer Prompts::confirm(const QString &text)
 {
@@ -95,4 +97,43 @@ QString QtPrompts::chooseLanguage(const QString &currentCode)
 QString QtPrompts::chooseFolder(const QString &title, const QString &startFolder)
 {
     return QFileDialog::getExistingDirectory(QApplication::activeWindow(), title, startFolder);
+}
+
+FileDialogAnswer QtPrompts::chooseFile(const FileDialogRequest &request)
+{
+    QWidget *owner = request.owner ? request.owner : QApplication::activeWindow();
+    QFileDialog dialog(owner, request.title, request.folder);
+    dialog.setAcceptMode(request.mustExist ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
+    dialog.setFileMode(request.mustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    dialog.setNameFilters(request.filters);
+    if (request.filterIndex >= 0 && request.filterIndex < request.filters.size())
+        dialog.selectNameFilter(request.filters.at(request.filterIndex));
+    dialog.setDefaultSuffix(request.defaultSuffix);
+    if (!request.fileName.isEmpty())
+        dialog.selectFile(request.fileName);
+    FileDialogAnswer answer;
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return answer;
+    answer.path = dialog.selectedFiles().constFirst();
+    answer.filterIndex = qMax(0, int(request.filters.indexOf(dialog.selectedNameFilter())));
+    return answer;
+}
+
+bool QtPrompts::choosePrinter(QPrinter &printer, PrintDialogRequest &request)
+{
+    QPrintDialog dialog(&printer, request.owner ? request.owner : QApplication::activeWindow());
+    dialog.setOption(QAbstractPrintDialog::PrintSelection, request.selectionAllowed);
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, request.maxPage > 0);
+    if (request.maxPage > 0) {
+        dialog.setMinMax(request.minPage, request.maxPage);
+        if (request.fromPage > 0)
+            printer.setFromTo(request.fromPage, qMax(request.fromPage, request.toPage));
+    }
+    if (dialog.exec() != QDialog::Accepted)
+        return false;
+    request.minPage = dialog.minPage();
+    request.maxPage = dialog.maxPage();
+    request.fromPage = printer.fromPage();
+    request.toPage = printer.toPage();
+    return true;
 }

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 
 struct AppState;
 class HelpWindow;
@@ -17,7 +18,10 @@ class Launcher;
 class MoviePlayer;
 class PictureView;
 class Prompts;
+class clsCommonDialog;
 class QAction;
+class QImage;
+class QPrinter;
 class QCheckBox;
 class QComboBox;
 class QFileSystemModel;
@@ -174,10 +178,25 @@ public:
     void cmdAbout_Click();
     void cmdLink_Click();
     HelpWindow *helpWindow() const;
+    // Picture output: copies, areas, clipboard, frame grabs, printing, wallpaper.
+    void cmdSave_Click();
+    void mnuCropSave_Click();
+    void Copia_Area(const QString &fileName, QWidget *target);
+    void cmdClip_Click();
+    void mnuCropClip_Click();
+    void cmdGrab_Click();
+    void cmdPrint_Click();
+    void mnuCropPrint_Click();
+    void mnuWall_Click();
+    void mnuRemoveWall_Click();
+    QPrinter &currentPrinter(); // the printer the print dialog starts from
 
 signals:
     void fileShown(const QString &path);
     void listLoaded();
+    // A copy, area or frame was written into the browsed folder and the list
+    // reloaded: the thumbnail page should reload too.
+    void outputWrittenIntoFolder(const QString &path);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -233,6 +252,26 @@ private:
     void showContextMenu(QPoint globalPosition);
     void connectLaunchHandlers();
 
+    // Picture output (frmMainOutput.cpp).
+    struct MovieFrameHold {
+        double position = 0;
+        bool wasPlaying = false;
+        bool controlBarShown = true;
+        int displaySize = 0;
+    };
+    void connectOutputHandlers();
+    void outputKeyPress(int key, Qt::KeyboardModifiers modifiers);
+    MovieFrameHold holdMovieFrame();
+    QImage heldMovieFrame();
+    void releaseMovieFrame(const MovieFrameHold &hold);
+    QImage areaPicture(QWidget *target);
+    QImage currentPicture();
+    void printFromDialog(const std::function<QImage()> &picture);
+    QString outputFolder() const;
+    void reportDialogError(const clsCommonDialog &dialog);
+    void reloadAfterWrite(const QString &path);
+    void endOutputCommand(bool grabToo);
+
     AppState &m_state;
     Prompts &m_prompts;
     Launcher &m_launcher;
@@ -263,4 +302,5 @@ private:
     std::function<QList<Drive>()> m_listDrives = listDrives;
     QString m_dirPopupFolder;          // the folder tree entry the pop-up was opened over
     QPointer<HelpWindow> m_helpWindow; // a window of its own, so a modal dialog does not block it
+    std::shared_ptr<QPrinter> m_printer; // shared_ptr: QPrinter stays incomplete here
 };

@@ -160,6 +160,7 @@ void frmMain::Dir1_Change()
     }
 
     m_state.CurrentFolder = folder;
+    m_state.OutputFolder = folder;
     m_state.StopPreviewLoad = true;
     QCoreApplication::processEvents();
     if (!m_fromHistory)

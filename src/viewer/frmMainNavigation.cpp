@@ -152,5 +152,6 @@ void frmMain::keyPressEvent(QKeyEvent *event)
         CboURL->setFocus();
     if (alt && key == Qt::Key_O)
         cmdAbout->click();
+    outputKeyPress(key, modifiers);
     event->accept();
 }

@@ -1,5 +1,7 @@
 #include "support/FakeSeams.h"
 
+#include <QPrinter>
+
 PromptAnswer ScriptedPrompts::ask(const PromptMessage &message)
 {
     asked.append(message);
@@ -19,6 +21,30 @@ QString ScriptedPrompts::chooseLanguage(const QString &)
 QString ScriptedPrompts::chooseFolder(const QString &, const QString &)
 {
     return folders.isEmpty() ? QString() : folders.takeFirst();
+}
+
+FileDialogAnswer ScriptedPrompts::chooseFile(const FileDialogRequest &request)
+{
+    fileRequests.append(request);
+    FileDialogAnswer answer;
+    answer.filterIndex = request.filterIndex;
+    const QString path = files.isEmpty() ? QString() : files.takeFirst();
+    answer.path = path == AcceptProposed ? request.folder + QLatin1Char('/') + request.fileName : path;
+    return answer;
+}
+
+bool ScriptedPrompts::choosePrinter(QPrinter &printer, PrintDialogRequest &request)
+{
+    printRequests.append(request);
+    if (printers.isEmpty())
+        return false;
+    const PrinterChoice choice = printers.takeFirst();
+    if (!choice.confirm)
+        return false;
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(choice.pdfPath);
+    printer.setCopyCount(choice.copies);
+    return true;
 }
 
 LaunchResult RecordingLauncher::start(const QString &program, const QStringList &arguments)

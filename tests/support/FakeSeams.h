@@ -18,9 +18,25 @@ public:
     QList<PromptMessage> asked;
     int languageQuestions = 0;
 
+    // File dialogs: each answer is a path, "" to cancel, or AcceptProposed
+    // for the proposed name in the folder the dialog opened in.
+    static inline const QString AcceptProposed = QStringLiteral("<proposed>");
+    QStringList files;
+    QList<FileDialogRequest> fileRequests;
+    // Print dialogs: confirmed ones print into a PDF file.
+    struct PrinterChoice {
+        bool confirm = true;
+        QString pdfPath;
+        int copies = 1;
+    };
+    QList<PrinterChoice> printers; // Cancel when empty
+    QList<PrintDialogRequest> printRequests;
+
     PromptAnswer ask(const PromptMessage &message) override;
     QString chooseLanguage(const QString &currentCode) override;
     QString chooseFolder(const QString &title, const QString &startFolder) override;
+    FileDialogAnswer chooseFile(const FileDialogRequest &request) override;
+    bool choosePrinter(QPrinter &printer, PrintDialogRequest &request) override;
 };
 
 // A launcher that starts nothing and records what it was asked to start.
