@@ -253,6 +253,7 @@ void frmMain::buildMenus()
 
 void frmMain::connectHandlers()
 {
+    connectIndex();
     connect(cmdNext, &QToolButton::clicked, this, &frmMain::cmdNext_Click);
     connect(cmdBack, &QToolButton::clicked, this, &frmMain::cmdBack_Click);
     connect(ChkCicle, &QCheckBox::toggled, this, &frmMain::ChkCicle_Click);

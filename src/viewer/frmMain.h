@@ -12,6 +12,7 @@
 
 struct AppState;
 class Launcher;
+class frmIndex;
 class MoviePlayer;
 class PictureView;
 class Prompts;
@@ -163,9 +164,15 @@ public:
     void Option1_Click();
     void ZoomTo(int percent);
 
+    // Thumbnail index (frmMainIndex.cpp).
+    void cmdIndex_Click();
+    void refreshForIndex(); // the index's refresh: the list is read again
+    frmIndex *indexWindow() const { return m_index; }
+
 signals:
     void fileShown(const QString &path);
     void listLoaded();
+    void indexWindowCreated(frmIndex *index); // to wire the index's command hooks
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -248,4 +255,9 @@ private:
     int m_listGeneration = 0;       // a new list load cancels the running one
     qint64 m_slidesLaunchPid = 0;
     std::function<QList<Drive>()> m_listDrives = listDrives;
+
+    // Thumbnail index (frmMainIndex.cpp).
+    void connectIndex();
+    void unloadIndex();
+    frmIndex *m_index = nullptr;
 };

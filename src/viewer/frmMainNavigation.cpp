@@ -152,5 +152,7 @@ void frmMain::keyPressEvent(QKeyEvent *event)
         CboURL->setFocus();
     if (alt && key == Qt::Key_O)
         cmdAbout->click();
+    if (alt && key == Qt::Key_T)
+        cmdIndex_Click();
     event->accept();
 }
