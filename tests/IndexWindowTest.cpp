@@ -228,3 +228,26 @@ TEST(IndexWindow, CommandsOfOtherFeaturesReachTheirHooks)
     index.MarkIndexThumbnail(folder + "/b.bmp", true);
     EXPECT_TRUE(index.cells[1].ImgList->isVisibleTo(&index));
 }
+
+TEST(IndexWindow, ClosingWhileAPageLoadsStopsIt)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("big");
+    for (int i = 0; i < 8; ++i)
+        fixture.makePicture(folder, QStringLiteral("b%1.jpg").arg(i), QSize(3000, 2000));
+    frmMain &window = fixture.start(folder + "/b0.jpg");
+    window.cmdIndex->click();
+    frmIndex &index = *window.indexWindow();
+    ASSERT_TRUE(index.pageLoading());
+
+    index.close();
+    EXPECT_FALSE(index.pageLoading());
+    EXPECT_FALSE(fixture.state->IndexShown);
+    QTest::qWait(500);
+    EXPECT_TRUE(index.cells[7].Image1->pixmap().isNull());
+
+    // Opening again builds the page afresh.
+    window.cmdIndex->click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 20000));
+    EXPECT_FALSE(index.cells[7].Image1->pixmap().isNull());
+}
