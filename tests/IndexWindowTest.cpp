@@ -3,7 +3,9 @@
 #include "support/MainWindowFixture.h"
 #include "support/TestClips.h"
 
+#include <QApplication>
 #include <QFrame>
+#include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -213,8 +215,10 @@ TEST(IndexWindow, CommandsOfOtherFeaturesReachTheirHooks)
 
     // The keyboard acts on the cell last touched by the mouse, not on the
     // file of the main window.
-    QTest::mouseMove(index.cells[1].Image1);
-    QCoreApplication::processEvents();
+    const QPointF inside(5, 5);
+    QMouseEvent move(QEvent::MouseMove, inside, index.cells[1].Image1->mapToGlobal(inside), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(index.cells[1].Image1, &move);
     EXPECT_EQ(index.SelectedFile, folder + "/b.bmp");
     QTest::keyClick(&index, Qt::Key_Delete);
     QTest::keyClick(&index, Qt::Key_A, Qt::AltModifier);
