@@ -339,6 +339,7 @@ void frmMain::ApplyLanguage()
     cmdAbout->setText(m_state.messages.GetMsg(311, QStringLiteral("A&bout")));
     cmdAbout->setAccessibleName(cmdAbout->text().remove(QLatin1Char('&')));
     layoutFrame1();
+    applyLanguageToIndex();
 }
 
 void frmMain::setWaitCursor(bool on)

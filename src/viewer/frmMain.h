@@ -259,5 +259,6 @@ private:
     // Thumbnail index (frmMainIndex.cpp).
     void connectIndex();
     void unloadIndex();
+    void applyLanguageToIndex();
     frmIndex *m_index = nullptr;
 };

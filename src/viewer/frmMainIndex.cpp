@@ -62,3 +62,9 @@ void frmMain::unloadIndex()
     delete m_index;
     m_index = nullptr;
 }
+
+void frmMain::applyLanguageToIndex()
+{
+    if (m_index)
+        m_index->ApplyLanguage();
+}
