@@ -1,5 +1,6 @@
 // Listing a large folder, and showing a large JPEG in fit mode.
 #include "bench/BenchTable.h"
+#include "bench/BenchWindow.h"
 
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
@@ -25,54 +26,6 @@
 #include <sys/stat.h>
 
 namespace {
-
-class SilentPrompts : public Prompts {
-public:
-    PromptAnswer ask(const PromptMessage &) override { return PromptAnswer::Cancel; }
-    QString chooseLanguage(const QString &) override { return QStringLiteral("EN"); }
-    QString chooseFolder(const QString &, const QString &) override { return {}; }
-};
-
-class NoLauncher : public Launcher {
-public:
-    LaunchResult start(const QString &, const QStringList &) override { return {}; }
-    bool isRunning(qint64) const override { return false; }
-};
-
-QString makeLargeJpeg(const QString &folder, const QString &name)
-{
-    QImage picture(6000, 4000, QImage::Format_RGB32); // 24 megapixels
-    QPainter painter(&picture);
-    QLinearGradient gradient(0, 0, 6000, 4000);
-    gradient.setColorAt(0, QColor(30, 90, 160));
-    gradient.setColorAt(1, QColor(240, 200, 80));
-    painter.fillRect(picture.rect(), gradient);
-    for (int i = 0; i < 400; ++i)
-        painter.fillRect(QRect((i * 7919) % 6000, (i * 104729) % 4000, 180, 120), QColor::fromHsv(i % 360, 160, 200));
-    painter.end();
-    const QString path = folder + '/' + name;
-    picture.save(path, "JPEG", 90);
-    return path;
-}
-
-// The main window of a fresh user, 1280 x 1024, started on a file.
-struct OpenWindow {
-    explicit OpenWindow(const QString &path)
-        : settings(config.path() + "/Vimora.ini"), state(settings, messages), window(state, prompts, launcher)
-    {
-        settings.write("UserDef", "Language", "EN");
-        state.ProgramFolder = DataFolder::locate(QCoreApplication::applicationDirPath());
-        window.resize(1280, 1024);
-        window.Form_Load(path);
-    }
-    QTemporaryDir config;
-    IniSettingsStore settings;
-    MessageCatalogue messages;
-    AppState state;
-    SilentPrompts prompts;
-    NoLauncher launcher;
-    frmMain window;
-};
 
 void fitDisplayBench(BenchTable &table)
 {
@@ -143,8 +96,10 @@ void zoomAndPanBench(BenchTable &table)
 } // namespace
 
 void folderListingBench(BenchTable &table); // folder_listing_bench.cpp
+void thumbnailPageBench(BenchTable &table);  // thumbnail_page_bench.cpp
 
 QList<Bench> allBenches()
 {
-    return {{"listing", folderListingBench}, {"fit-display", fitDisplayBench}, {"zoom-pan", zoomAndPanBench}};
+    return {{"listing", folderListingBench}, {"fit-display", fitDisplayBench}, {"zoom-pan", zoomAndPanBench},
+            {"thumbnail-page", thumbnailPageBench}};
 }

@@ -252,6 +252,7 @@ void frmMain::buildMenus()
 
 void frmMain::connectHandlers()
 {
+    connectIndex();
     connect(cmdNext, &QToolButton::clicked, this, &frmMain::cmdNext_Click);
     connect(cmdBack, &QToolButton::clicked, this, &frmMain::cmdBack_Click);
     connect(ChkCicle, &QCheckBox::toggled, this, &frmMain::ChkCicle_Click);
@@ -338,6 +339,7 @@ void frmMain::ApplyLanguage()
     cmdAbout->setText(m_state.messages.GetMsg(311, QStringLiteral("A&bout")));
     cmdAbout->setAccessibleName(cmdAbout->text().remove(QLatin1Char('&')));
     layoutFrame1();
+    applyLanguageToIndex();
 }
 
 void frmMain::setWaitCursor(bool on)

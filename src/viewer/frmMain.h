@@ -15,6 +15,7 @@
 struct AppState;
 class HelpWindow;
 class Launcher;
+class frmIndex;
 class MoviePlayer;
 class PictureView;
 class Prompts;
@@ -190,6 +191,10 @@ public:
     void mnuWall_Click();
     void mnuRemoveWall_Click();
     QPrinter &currentPrinter(); // the printer the print dialog starts from
+    // Thumbnail index (frmMainIndex.cpp).
+    void cmdIndex_Click();
+    void refreshForIndex(); // the index's refresh: the list is read again
+    frmIndex *indexWindow() const { return m_index; }
 
 signals:
     void fileShown(const QString &path);
@@ -197,6 +202,7 @@ signals:
     // A copy, area or frame was written into the browsed folder and the list
     // reloaded: the thumbnail page should reload too.
     void outputWrittenIntoFolder(const QString &path);
+    void indexWindowCreated(frmIndex *index); // to wire the index's command hooks
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -303,4 +309,10 @@ private:
     QString m_dirPopupFolder;          // the folder tree entry the pop-up was opened over
     QPointer<HelpWindow> m_helpWindow; // a window of its own, so a modal dialog does not block it
     std::shared_ptr<QPrinter> m_printer; // shared_ptr: QPrinter stays incomplete here
+
+    // Thumbnail index (frmMainIndex.cpp).
+    void connectIndex();
+    void unloadIndex();
+    void applyLanguageToIndex();
+    frmIndex *m_index = nullptr;
 };

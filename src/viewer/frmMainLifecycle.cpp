@@ -166,6 +166,7 @@ void frmMain::Form_Unload()
     ++m_listGeneration;
     m_state.FileNames = QStringList{QString()};
     QCoreApplication::processEvents();
+    unloadIndex();
 
     if (!MediaPlayer1->FileName().isEmpty()) {
         MediaPlayer1->Stop();

@@ -153,5 +153,7 @@ void frmMain::keyPressEvent(QKeyEvent *event)
     if (alt && key == Qt::Key_O)
         cmdAbout->click();
     outputKeyPress(key, modifiers);
+    if (alt && key == Qt::Key_T)
+        cmdIndex_Click();
     event->accept();
 }

@@ -1,0 +1,108 @@
+#include "index/ThumbnailCache.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QImageWriter>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <QUrl>
+
+namespace {
+
+const QString UriKey = QStringLiteral("Thumb::URI");
+const QString MTimeKey = QStringLiteral("Thumb::MTime");
+const QString SizeKey = QStringLiteral("Thumb::Size");
+const QString WidthKey = QStringLiteral("Thumb::Image::Width");
+const QString HeightKey = QStringLiteral("Thumb::Image::Height");
+
+QString mtimeText(const QFileInfo &info)
+{
+    return QString::number(info.lastModified().toSecsSinceEpoch());
+}
+
+} // namespace
+
+ThumbnailCache::ThumbnailCache(QString root)
+    : m_root(std::move(root))
+{
+    if (m_root.isEmpty())
+        m_root = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + QStringLiteral("/thumbnails");
+}
+
+ThumbnailCache::Flavour ThumbnailCache::flavourFor(QSize box)
+{
+    return qMax(box.width(), box.height()) <= maxSide(Flavour::Normal) ? Flavour::Normal : Flavour::Large;
+}
+
+QByteArray ThumbnailCache::uriOf(const QString &absolutePath)
+{
+    return QUrl::fromLocalFile(absolutePath).toEncoded();
+}
+
+QString ThumbnailCache::thumbnailPath(const QString &absolutePath, Flavour flavour) const
+{
+    const QByteArray md5 = QCryptographicHash::hash(uriOf(absolutePath), QCryptographicHash::Md5).toHex();
+    return m_root + (flavour == Flavour::Normal ? QStringLiteral("/normal/") : QStringLiteral("/large/"))
+         + QString::fromLatin1(md5) + QStringLiteral(".png");
+}
+
+ThumbnailCache::Entry ThumbnailCache::read(const QString &absolutePath, Flavour flavour) const
+{
+    const QFileInfo file(absolutePath);
+    if (!file.exists())
+        return {};
+    QImageReader reader(thumbnailPath(absolutePath, flavour), "png");
+    QImage image = reader.read();
+    if (image.isNull())
+        return {};
+    if (image.text(UriKey).toUtf8() != uriOf(absolutePath) || image.text(MTimeKey) != mtimeText(file))
+        return {};
+    const QString size = image.text(SizeKey);
+    if (!size.isEmpty() && size != QString::number(file.size()))
+        return {};
+    Entry entry;
+    entry.naturalSize = QSize(image.text(WidthKey).toInt(), image.text(HeightKey).toInt());
+    if (entry.naturalSize.isEmpty())
+        entry.naturalSize = QSize();
+    entry.image = std::move(image);
+    return entry;
+}
+
+bool ThumbnailCache::write(const QString &absolutePath, Flavour flavour, const QImage &image, QSize naturalSize) const
+{
+    const QFileInfo file(absolutePath);
+    const QString target = thumbnailPath(absolutePath, flavour);
+    // Thumbnails of thumbnails would only grow the cache.
+    if (image.isNull() || !file.exists() || file.absolutePath().startsWith(m_root))
+        return false;
+    const QString folder = QFileInfo(target).absolutePath();
+    if (!QDir().mkpath(folder))
+        return false;
+    QFile::setPermissions(m_root, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+
+    QImage tagged = image;
+    tagged.setText(UriKey, QString::fromUtf8(uriOf(absolutePath)));
+    tagged.setText(MTimeKey, mtimeText(file));
+    tagged.setText(SizeKey, QString::number(file.size()));
+    if (naturalSize.isValid()) {
+        tagged.setText(WidthKey, QString::number(naturalSize.width()));
+        tagged.setText(HeightKey, QString::number(naturalSize.height()));
+    }
+    tagged.setText(QStringLiteral("Software"), QStringLiteral("Vimora"));
+
+    // QSaveFile writes beside the target and renames: a reader sees the old
+    // thumbnail or the new one, never half of one.
+    QSaveFile out(target);
+    if (!out.open(QIODevice::WriteOnly))
+        return false;
+    out.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    QImageWriter writer(&out, "png");
+    if (!writer.write(tagged)) {
+        out.cancelWriting();
+        return false;
+    }
+    return out.commit();
+}

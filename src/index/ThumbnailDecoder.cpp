@@ -1,0 +1,77 @@
+#include "index/ThumbnailDecoder.h"
+
+#include "platform/PictureLoader.h"
+
+#include <QFileInfo>
+#include <QThread>
+
+ThumbnailDecoder::ThumbnailDecoder(ThumbnailCache cache, QObject *parent)
+    : QObject(parent)
+    , m_cache(std::move(cache))
+    , m_generation(std::make_shared<std::atomic<quint64>>(0))
+{
+    m_pool.setMaxThreadCount(qMax(1, QThread::idealThreadCount()));
+}
+
+ThumbnailDecoder::~ThumbnailDecoder()
+{
+    cancel();
+    // Workers post to this object: it must outlive them.
+    m_pool.waitForDone();
+}
+
+ThumbnailDecoder::Result ThumbnailDecoder::decode(const ThumbnailCache &cache, const QString &path, QSize box)
+{
+    Result result;
+    result.path = path;
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    const ThumbnailCache::Flavour flavour = ThumbnailCache::flavourFor(box);
+    ThumbnailCache::Entry cached = cache.read(absolute, flavour);
+    if (!cached.isNull()) {
+        result.fromCache = true;
+        result.naturalSize = cached.naturalSize.isValid() ? cached.naturalSize : PictureLoader::readNaturalSize(absolute);
+        result.image = std::move(cached.image);
+    } else {
+        const int side = ThumbnailCache::maxSide(flavour);
+        PictureLoader::Options options;
+        options.fitInto = QSize(side, side);
+        PictureLoader::Picture picture = PictureLoader::load(absolute, options);
+        if (picture.isNull())
+            return result;
+        result.naturalSize = picture.naturalSize;
+        cache.write(absolute, flavour, picture.image, picture.naturalSize);
+        result.image = std::move(picture.image);
+    }
+    if (result.image.width() > box.width() || result.image.height() > box.height())
+        result.image = result.image.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    return result;
+}
+
+void ThumbnailDecoder::request(int cell, const QString &path, QSize box)
+{
+    ++m_pending;
+    const quint64 generation = m_generation->load();
+    std::shared_ptr<std::atomic<quint64>> current = m_generation;
+    const ThumbnailCache cache = m_cache;
+    m_pool.start([this, current, generation, cache, cell, path, box] {
+        if (current->load() != generation)
+            return;
+        Result result = decode(cache, path, box);
+        result.cell = cell;
+        QMetaObject::invokeMethod(this, [this, generation, result = std::move(result)] {
+            if (m_generation->load() != generation)
+                return;
+            --m_pending;
+            emit thumbnailReady(result);
+            if (m_pending == 0)
+                emit allDone();
+        }, Qt::QueuedConnection);
+    });
+}
+
+void ThumbnailDecoder::cancel()
+{
+    m_generation->fetch_add(1);
+    m_pool.clear();
+    m_pending = 0;
+}

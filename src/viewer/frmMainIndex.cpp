@@ -1,0 +1,70 @@
+// The main window's side of the thumbnail index.
+#include "viewer/frmMain.h"
+
+#include "core/AppState.h"
+#include "index/frmIndex.h"
+#include "platform/MoviePlayer.h"
+
+#include <QToolButton>
+
+void frmMain::connectIndex()
+{
+    connect(cmdIndex, &QToolButton::clicked, this, &frmMain::cmdIndex_Click);
+    connect(this, &frmMain::listLoaded, this, [this] {
+        if (m_index)
+            m_index->followMainList();
+    });
+    // A movie that the main window starts does not go on in a cell too.
+    connect(MediaPlayer1, &MoviePlayer::PlayStateChange, this, [this](int, int newState) {
+        if (m_index && newState == MoviePlayer::Playing)
+            m_index->pauseCellsPlaying(MediaPlayer1->FileName());
+    });
+}
+
+void frmMain::cmdIndex_Click()
+{
+    m_state.StopPreviewLoad = false;
+    if (!m_index) {
+        m_index = new frmIndex(m_state, m_prompts, m_launcher, *this);
+        m_index->Form_Load();
+        emit indexWindowCreated(m_index);
+    }
+    if (m_state.IndexLoading) {
+        // The page in progress is abandoned; the re-read builds it again.
+        m_state.IndexShown = true;
+        m_index->show();
+        cmdRefr_Click();
+        return;
+    }
+    const bool open = m_state.IndexShown && m_index->isVisible();
+    m_index->show();
+    if (open) {
+        m_index->raise();
+        m_index->activateWindow();
+        return;
+    }
+    m_state.IndexShown = true;
+    m_index->followMainList();
+}
+
+void frmMain::refreshForIndex()
+{
+    // cmdRefr_Click keeps a movie of the main window where it was.
+    m_lastTypeText.clear();
+    cmdRefr_Click();
+}
+
+void frmMain::unloadIndex()
+{
+    if (!m_index)
+        return;
+    m_index->close();
+    delete m_index;
+    m_index = nullptr;
+}
+
+void frmMain::applyLanguageToIndex()
+{
+    if (m_index)
+        m_index->ApplyLanguage();
+}

@@ -1,0 +1,257 @@
+#include "index/frmIndex.h"
+#include "platform/MoviePlayer.h"
+#include "support/MainWindowFixture.h"
+#include "support/TestClips.h"
+
+#include <QApplication>
+#include <QFrame>
+#include <QMouseEvent>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+// The index of a started main window, opened with its button, once its
+// page is built.
+frmIndex &openIndex(frmMain &window)
+{
+    window.cmdIndex->click();
+    frmIndex *index = window.indexWindow();
+    EXPECT_NE(index, nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading(); }, 20000));
+    return *index;
+}
+
+int visibleCells(const frmIndex &index)
+{
+    int count = 0;
+    for (const frmIndex::Cell &cell : index.cells)
+        count += cell.Frame2->isVisibleTo(cell.Frame2->parentWidget()) ? 1 : 0;
+    return count;
+}
+
+bool waitForState(MoviePlayer *player, int state)
+{
+    return QTest::qWaitFor([&] { return player->PlayState() == state; }, 8000);
+}
+
+QStringList numberedPictures(int count)
+{
+    QStringList names;
+    for (int i = 0; i < count; ++i)
+        names.append(QStringLiteral("p%1.bmp").arg(i, 2, 10, QLatin1Char('0')));
+    return names;
+}
+
+} // namespace
+
+TEST(IndexWindow, PagesThroughTwentyFiveFiles)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("many");
+    fixture.makeFiles(folder, numberedPictures(25));
+    frmMain &window = fixture.start(folder + "/p00.bmp");
+    frmIndex &index = openIndex(window);
+
+    EXPECT_TRUE(fixture.state->IndexShown);
+    EXPECT_EQ(visibleCells(index), 24);
+    EXPECT_FALSE(index.cmdBack->isEnabled());
+    EXPECT_TRUE(index.cmdNext->isEnabled());
+    EXPECT_FALSE(index.LabLoad->isVisibleTo(&index));
+    EXPECT_EQ(index.LabType->text(), "All Supported Files");
+    EXPECT_EQ(index.windowTitle(), " " + folder);
+    // Every picture cell got its thumbnail, tag and tooltip.
+    EXPECT_FALSE(index.cells[23].Image1->pixmap().isNull());
+    EXPECT_EQ(index.cells[0].tag, folder + "/p00.bmp / 71 x 48");
+    EXPECT_TRUE(index.cells[0].Frame2->toolTip().startsWith(" p00.bmp  (71 x 48)  "));
+
+    index.cmdBack->click(); // page 0: nothing happens
+    EXPECT_EQ(index.IndexPage, 0);
+    index.cmdNext->click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 10000));
+    EXPECT_EQ(index.IndexPage, 1);
+    EXPECT_EQ(visibleCells(index), 1);
+    EXPECT_EQ(index.cells[0].LabImage->text(), "p24.bmp");
+    EXPECT_TRUE(index.cmdBack->isEnabled());
+    EXPECT_FALSE(index.cmdNext->isEnabled());
+
+    // Page Down in the index moves the main window, not the page.
+    const int shown = fixture.state->CurrentIndex;
+    QTest::keyClick(&index, Qt::Key_PageDown);
+    EXPECT_EQ(fixture.state->CurrentIndex, shown + 1);
+    EXPECT_EQ(index.IndexPage, 1);
+}
+
+TEST(IndexWindow, ChangingFolderCancelsThePageInProgress)
+{
+    MainWindowFixture fixture;
+    const QString big = fixture.makeFolder("big");
+    for (int i = 0; i < 24; ++i)
+        fixture.makePicture(big, QStringLiteral("b%1.jpg").arg(i, 2, 10, QLatin1Char('0')), QSize(3000, 2000));
+    const QString small = fixture.makeFolder("small");
+    fixture.makeFiles(small, {"s1.bmp", "s2.bmp"});
+    frmMain &window = fixture.start(big + "/b00.jpg");
+
+    window.cmdIndex->click();
+    frmIndex &index = *window.indexWindow();
+    ASSERT_TRUE(index.pageLoading());
+    window.setDir1Path(small); // while the big pictures decode
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 20000));
+    QTest::qWait(300); // late results of the old page would land now
+
+    EXPECT_EQ(index.IndexPage, 0);
+    EXPECT_EQ(visibleCells(index), 2);
+    EXPECT_EQ(index.cells[0].path, small + "/s1.bmp");
+    for (int cell = 2; cell < 24; ++cell)
+        EXPECT_TRUE(index.cells[cell].Image1->pixmap().isNull()) << cell;
+}
+
+TEST(IndexWindow, PlaysPausesAndStopsAllMoviesOfThePage)
+{
+    if (!TestClips::ffmpegAvailable())
+        GTEST_SKIP() << "ffmpeg is not installed: no test clips";
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("movies");
+    fixture.makeFiles(folder, {"a.bmp"});
+    for (const char *extension : {"avi", "mpg", "mov"})
+        ASSERT_TRUE(QFile::copy(TestClips::clip(extension), folder + "/clip." + extension));
+    frmMain &window = fixture.start(folder + "/a.bmp");
+    frmIndex &index = openIndex(window);
+
+    std::vector<int> movies;
+    for (int cell = 0; cell < 24; ++cell)
+        if (index.cells[cell].movie)
+            movies.push_back(cell);
+    ASSERT_EQ(movies.size(), 3u);
+    for (int cell : movies) {
+        ASSERT_TRUE(waitForState(index.cells[cell].MediaPlayer1, MoviePlayer::Stopped)) << cell;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return index.cells[cell].durationShown; }, 5000));
+        EXPECT_TRUE(index.cells[cell].tag.endsWith(" / 01\"")) << index.cells[cell].tag.toStdString();
+        EXPECT_TRUE(index.cells[cell].cmdPlaySmall->isEnabled());
+    }
+
+    index.cmdPlay->click();
+    for (int cell : movies)
+        EXPECT_TRUE(waitForState(index.cells[cell].MediaPlayer1, MoviePlayer::Playing)) << cell;
+    index.cmdPause->click();
+    for (int cell : movies)
+        EXPECT_EQ(index.cells[cell].MediaPlayer1->PlayState(), MoviePlayer::Paused) << cell;
+
+    // Stop all leaves a paused movie paused, rewound.
+    index.cells[movies[0]].HScroll1->setValue(40);
+    index.cmdStop->click();
+    for (int cell : movies) {
+        EXPECT_EQ(index.cells[cell].MediaPlayer1->PlayState(), MoviePlayer::Paused) << cell;
+        EXPECT_LT(index.cells[cell].MediaPlayer1->CurrentPosition(), 0.05) << cell;
+        EXPECT_EQ(index.cells[cell].HScroll1->value(), 0) << cell;
+    }
+
+    // Seeking a cell's bar to half its length.
+    const int first = movies[0];
+    index.cells[first].HScroll1->setValue(50);
+    index.HScroll1_Change(first);
+    EXPECT_NEAR(index.cells[first].MediaPlayer1->CurrentPosition(),
+                index.cells[first].MediaPlayer1->Duration() / 2, 0.05);
+
+    // The same movie never plays in the main window and in a cell at once.
+    window.Mostra_Image(false, "clip.avi");
+    window.MediaPlayer1->Play();
+    ASSERT_TRUE(waitForState(window.MediaPlayer1, MoviePlayer::Playing));
+    const int aviCell = index.cellOfPath(folder + "/clip.avi");
+    index.cells[aviCell].cmdPlaySmall->click();
+    QTest::qWait(200);
+    EXPECT_NE(index.cells[aviCell].MediaPlayer1->PlayState(), MoviePlayer::Playing);
+}
+
+TEST(IndexWindow, DoubleClickOnAPlayingCellContinuesInTheMainWindow)
+{
+    if (!TestClips::ffmpegAvailable())
+        GTEST_SKIP() << "ffmpeg is not installed: no test clips";
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("one");
+    fixture.makeFiles(folder, {"a.bmp"});
+    ASSERT_TRUE(QFile::copy(TestClips::clip("avi"), folder + "/clip.avi"));
+    frmMain &window = fixture.start(folder + "/a.bmp");
+    frmIndex &index = openIndex(window);
+    const int cell = index.cellOfPath(folder + "/clip.avi");
+    ASSERT_GE(cell, 0);
+    MoviePlayer *player = index.cells[cell].MediaPlayer1;
+    ASSERT_TRUE(waitForState(player, MoviePlayer::Stopped));
+
+    player->Play();
+    ASSERT_TRUE(waitForState(player, MoviePlayer::Playing));
+    QTest::qWait(400);
+    QTest::mouseDClick(player, Qt::LeftButton, {}, player->rect().center());
+
+    EXPECT_EQ(player->PlayState(), MoviePlayer::Paused);
+    EXPECT_EQ(fixture.state->CurrentFileName, "clip.avi");
+    EXPECT_TRUE(fixture.state->MainMovieLoaded);
+    EXPECT_NEAR(window.MediaPlayer1->CurrentPosition(), player->CurrentPosition(), 0.1);
+
+    // With the main window already playing it, a double-click does nothing.
+    window.MediaPlayer1->Play();
+    ASSERT_TRUE(waitForState(window.MediaPlayer1, MoviePlayer::Playing));
+    player->Stop();
+    QSignalSpy shown(&window, &frmMain::fileShown);
+    QTest::mouseDClick(player, Qt::LeftButton, {}, player->rect().center());
+    EXPECT_EQ(shown.size(), 0);
+    EXPECT_EQ(window.MediaPlayer1->PlayState(), MoviePlayer::Playing);
+}
+
+TEST(IndexWindow, CommandsOfOtherFeaturesReachTheirHooks)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("hooks");
+    fixture.makeFiles(folder, {"a.bmp", "b.bmp", "c.ico"});
+    frmMain &window = fixture.start(folder + "/a.bmp");
+    frmIndex &index = openIndex(window);
+    EXPECT_FALSE(index.SFDelete->isEnabled()) << "no hook, no command";
+
+    QStringList calls;
+    index.onDelete = [&](const QString &path) { calls << "delete " + path; };
+    index.onClipboard = [&](const QString &path) { calls << "clip " + path; };
+    index.onAddToFavourites = [&](const QString &path) { calls << "add " + path; };
+    index.updateCommandStates();
+
+    // The keyboard acts on the cell last touched by the mouse, not on the
+    // file of the main window.
+    const QPointF inside(5, 5);
+    QMouseEvent move(QEvent::MouseMove, inside, index.cells[1].Image1->mapToGlobal(inside), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(index.cells[1].Image1, &move);
+    EXPECT_EQ(index.SelectedFile, folder + "/b.bmp");
+    QTest::keyClick(&index, Qt::Key_Delete);
+    QTest::keyClick(&index, Qt::Key_A, Qt::AltModifier);
+    QTest::keyClick(&index, Qt::Key_C, Qt::ControlModifier);
+    const int icon = index.cellOfPath(folder + "/c.ico");
+    index.selectCell(icon);
+    QTest::keyClick(&index, Qt::Key_C, Qt::ControlModifier); // icons do not go to the clipboard
+    EXPECT_EQ(calls, QStringList({"delete " + folder + "/b.bmp", "add " + folder + "/b.bmp",
+                                  "clip " + folder + "/b.bmp"}));
+
+    index.MarkIndexThumbnail(folder + "/b.bmp", true);
+    EXPECT_TRUE(index.cells[1].ImgList->isVisibleTo(&index));
+}
+
+TEST(IndexWindow, ClosingWhileAPageLoadsStopsIt)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("big");
+    for (int i = 0; i < 8; ++i)
+        fixture.makePicture(folder, QStringLiteral("b%1.jpg").arg(i), QSize(3000, 2000));
+    frmMain &window = fixture.start(folder + "/b0.jpg");
+    window.cmdIndex->click();
+    frmIndex &index = *window.indexWindow();
+    ASSERT_TRUE(index.pageLoading());
+
+    index.close();
+    EXPECT_FALSE(index.pageLoading());
+    EXPECT_FALSE(fixture.state->IndexShown);
+    QTest::qWait(500);
+    EXPECT_TRUE(index.cells[7].Image1->pixmap().isNull());
+
+    // Opening again builds the page afresh.
+    window.cmdIndex->click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 20000));
+    EXPECT_FALSE(index.cells[7].Image1->pixmap().isNull());
+}
