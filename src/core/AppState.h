@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 class MessageCatalogue;
@@ -57,6 +58,13 @@ struct AppState {
     bool IndexHiddenWithMain = false;
 
     bool CropSelectionActive = false;
+
+    // File commands: hooks of the thumbnail index, set while it exists.
+    // ReleaseIndexPlayers makes every cell player holding the path let go
+    // of it; MarkIndexThumbnail shows or hides a cell's favourites mark.
+    std::function<void(const QString &path)> ReleaseIndexPlayers;
+    std::function<void(const QString &path, bool on)> MarkIndexThumbnail;
+    bool ListWindowOpen = false;
 
     bool listIsEmpty() const { return FileNames.size() <= 1 && FileNames.value(0).isEmpty(); }
     int fileUpperBound() const { return int(FileNames.size()) - 1; }
