@@ -245,8 +245,7 @@ void frmMain::buildMenus()
     // Commands that Vimora does not have yet are shown but cannot be chosen,
     // rather than chosen with nothing happening.
     for (QAction *notYet : {mnuPlay, mnuStop, mnuFullScreen, mnuSave, mnuPrint, mnuClipboard, mnuGrab, mnuWall,
-                            mnuRemoveWall, mnuMove, mnuAdd, mnuRemove, mnuGlobal, SFRename, SFDelete, SFInfo,
-                            mnuShellOpen, mnuShellEdit, mnuCropSave, mnuCropClip, mnuCropPrint, mnuDirOpen,
+                            mnuRemoveWall, mnuShellOpen, mnuShellEdit, mnuCropSave, mnuCropClip, mnuCropPrint, mnuDirOpen,
                             mnuDirExpl})
         notYet->setEnabled(false);
 }
@@ -294,6 +293,7 @@ void frmMain::connectHandlers()
     connect(cmdUp, &QToolButton::clicked, this, &frmMain::cmdUp_Click);
     connect(cmdRefr, &QToolButton::clicked, this, &frmMain::cmdRefr_Click);
     connect(cmdClear, &QToolButton::clicked, this, &frmMain::cmdClear_Click);
+    connectFileCommands();
 }
 
 bool frmMain::eventFilter(QObject *watched, QEvent *event)

@@ -14,6 +14,7 @@ struct AppState;
 class Launcher;
 class MoviePlayer;
 class PictureView;
+class frmList;
 class Prompts;
 class QAction;
 class QCheckBox;
@@ -163,6 +164,24 @@ public:
     void Option1_Click();
     void ZoomTo(int percent);
 
+    // File commands and the favourites window (frmMainFiles.cpp).
+    void cmdAdd_Click();
+    void cmdList_Click();
+    void mnuAdd_Click() { cmdAdd_Click(); }
+    void mnuGlobal_Click() { cmdList_Click(); }
+    void SFRename_Click();
+    void SFDelete_Click();
+    void SFInfo_Click();
+    void mnuMove_Click();
+    void mnuRemove_Click();
+    frmList &favourites(); // made on first use
+    // The index and the full-screen view add and remove through these.
+    void Inserisci_Lista(const QString &path);
+    void RemoveFromFavourites(const QString &path);
+    // The rename box; tests give their own.
+    void setRenameBox(std::function<QString(const QRect &, const QString &)> box) { m_renameBox = std::move(box); }
+    void releasePlayers(const QString &path); // ReleasePlayerFile with this window's player
+
 signals:
     void fileShown(const QString &path);
     void listLoaded();
@@ -219,6 +238,10 @@ private:
     void placeSelectionLines();
     void panTo(QWidget *target, QPoint globalPosition);
     void showContextMenu(QPoint globalPosition);
+    void connectFileCommands();
+    void SaveFavourites();
+    QString nameShownAfterRemoving() const;
+    friend class MainFavouritesHost;
 
     AppState &m_state;
     Prompts &m_prompts;
@@ -248,4 +271,6 @@ private:
     int m_listGeneration = 0;       // a new list load cancels the running one
     qint64 m_slidesLaunchPid = 0;
     std::function<QList<Drive>()> m_listDrives = listDrives;
+    frmList *m_favourites = nullptr;
+    std::function<QString(const QRect &, const QString &)> m_renameBox;
 };

@@ -171,6 +171,7 @@ void frmMain::Form_Unload()
         MediaPlayer1->setFileName(QString());
     }
     QCoreApplication::processEvents();
+    SaveFavourites();
     SaveUserSettings();
 }
 
