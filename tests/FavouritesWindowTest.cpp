@@ -1,6 +1,7 @@
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "files/Favourites.h"
+#include "files/FileCommands.h"
 #include "files/frmList.h"
 #include "support/FakeSeams.h"
 
@@ -246,4 +247,24 @@ TEST_F(FavouritesWindow, ClearAsksAndClosingOnlyHides)
     EXPECT_FALSE(window.isVisible());
     EXPECT_FALSE(state.ListWindowOpen);
     EXPECT_EQ(window.entries().size(), 0);
+}
+
+TEST(IndexMarks, CellShowingAPathFirstMatchInAnyCase)
+{
+    const QStringList players{"", "/m/clip.avi", "", "/m/CLIP.AVI"};
+    const QStringList tags{"/p/a.jpg / 640 x 480", "", "/p/b.jpg", ""};
+    EXPECT_EQ(FileCommands::cellShowing(players, tags, "/P/A.JPG"), 0);
+    EXPECT_EQ(FileCommands::cellShowing(players, tags, "/m/clip.avi"), 1);
+    EXPECT_EQ(FileCommands::cellShowing(players, tags, "/p/b.jpg"), 2);
+    EXPECT_EQ(FileCommands::cellShowing(players, tags, "/p/a.jpg / 640 x 480"), -1);
+    EXPECT_EQ(FileCommands::cellShowing(players, tags, ""), -1); // empty cells never match
+}
+
+TEST_F(FavouritesWindow, IndexStyleInformationOnAMissingFile)
+{
+    const FileContext context{prompts, messages, {}, {}};
+    EXPECT_EQ(FileCommands::showInfo(nullptr, state, context, "/gone/x.jpg", {}, "JPG", true), nullptr);
+    ASSERT_EQ(prompts.asked.size(), 1);
+    EXPECT_EQ(prompts.asked[0].icon, PromptIcon::Critical);
+    EXPECT_EQ(prompts.asked[0].defaultButton, 2);
 }

@@ -72,10 +72,10 @@ PromptAnswer AskReplace(const QString &target, PromptButtons buttons, const File
     return context.prompts.ask({text, buttons, PromptIcon::Question, 2});
 }
 
-void ReportMissingFile(const QString &path, const FileContext &context)
+void ReportMissingFile(const QString &path, const FileContext &context, int defaultButton)
 {
-    context.prompts.inform(context.messages.GetMsg(1022, QStringLiteral("File Not Found !")) + LineBreaks + path,
-                           PromptIcon::Critical);
+    context.prompts.ask({context.messages.GetMsg(1022, QStringLiteral("File Not Found !")) + LineBreaks + path,
+                         PromptButtons::Ok, PromptIcon::Critical, defaultButton});
 }
 
 FileResult CopyThisFile(const QString &source, const QString &destination, const FileContext &context)

@@ -70,7 +70,7 @@ FileResult MoveFileTo(const QString &path, const QString &target, const FileCont
 PromptAnswer AskReplace(const QString &target, PromptButtons buttons, const FileContext &context);
 
 // "File Not Found !", two line breaks and the path, critical icon.
-void ReportMissingFile(const QString &path, const FileContext &context);
+void ReportMissingFile(const QString &path, const FileContext &context, int defaultButton = 1);
 
 // Whether both paths lead to the same file (hard links and letter case on
 // case-blind file systems included).

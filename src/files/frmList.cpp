@@ -6,6 +6,7 @@
 #include "core/MessageCatalogue.h"
 #include "files/CopyProgress.h"
 #include "files/Favourites.h"
+#include "files/FileCommands.h"
 #include "files/FilePaths.h"
 #include "files/TechRen.h"
 #include "files/frmMessage.h"
@@ -415,11 +416,9 @@ void frmList::mnuRename_Click()
     const QString typed = m_renameBox(row, QFileInfo(path).fileName());
     if (typed.isEmpty())
         return;
-    const QString target = RenameTargetOf(path, typed);
-    const FileContext context = fileContext();
-    m_host.releasePlayers(path);
-    if (RenameThisFile(path, target, context).done())
-        replaceEntry(path, target);
+    const QString renamed = FileCommands::renameFile(path, typed, fileContext());
+    if (!renamed.isEmpty())
+        replaceEntry(path, renamed);
     if (inShownFolder(path))
         m_host.refreshFileList();
 }
@@ -429,15 +428,12 @@ void frmList::SFInfo_Click()
     const QString path = clickedEntry();
     if (path.isEmpty())
         return;
-    if (!IsExistingFile(path)) {
-        ReportMissingFile(path, fileContext());
-        return;
-    }
     const QString type =
         FileTypeCatalogue::normalisedTypeCode(FileTypeCatalogue::extensionOf(QFileInfo(path).fileName()));
-    m_host.pauseSlideshow();
-    frmMessage *panel = ShowFileInfo(this, m_state.ProgramFolder, m_state.messages, path, {}, type);
-    connect(panel, &QDialog::finished, this, [this] { m_host.resumeSlideshow(); });
+    if (frmMessage *panel = FileCommands::showInfo(this, m_state, fileContext(), path, {}, type)) {
+        m_host.pauseSlideshow();
+        connect(panel, &QDialog::finished, this, [this] { m_host.resumeSlideshow(); });
+    }
 }
 
 void frmList::keyPressEvent(QKeyEvent *event)

@@ -3,6 +3,7 @@
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "files/CopyProgress.h"
+#include "files/FileCommands.h"
 #include "files/FileOperations.h"
 #include "files/FilePaths.h"
 #include "files/PlayerRelease.h"
@@ -146,7 +147,6 @@ void frmMain::SFRename_Click()
         restartSlideTimerIfOn();
         return;
     }
-    const QString newPath = RenameTargetOf(oldPath, typed);
 
     // A playing movie lets go of its file and comes back where it was.
     const bool movie = m_state.MainMovieLoaded && MediaPlayer1->FileName() == oldPath;
@@ -158,14 +158,11 @@ void frmMain::SFRename_Click()
         MediaPlayer1->hide();
         QCoreApplication::processEvents();
     }
-    if (m_state.ReleaseIndexPlayers)
-        m_state.ReleaseIndexPlayers(oldPath);
-
     const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &path) {
         releasePlayers(path);
     });
-    const bool renamed = RenameThisFile(oldPath, newPath, context).done();
-    QCoreApplication::processEvents();
+    const QString newPath = FileCommands::renameFile(oldPath, typed, context);
+    const bool renamed = !newPath.isEmpty();
     if (renamed && m_favourites)
         m_favourites->replaceEntry(oldPath, newPath);
 
@@ -189,11 +186,10 @@ void frmMain::SFDelete_Click()
         const bool movie = m_state.MainMovieLoaded && MediaPlayer1->FileName() == path;
         const double position = movie ? MediaPlayer1->CurrentPosition() : 0;
         const bool playing = movie && MediaPlayer1->PlayState() == MoviePlayer::Playing;
-        releasePlayers(path);
-        const FileContext context = contextFor(this, m_prompts, m_state.messages, {});
-        RecycleFiles({path}, context);
-        QCoreApplication::processEvents();
-        if (!QFileInfo::exists(path)) {
+        const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &held) {
+            releasePlayers(held);
+        });
+        if (FileCommands::deleteFile(path, context)) {
             m_state.CurrentFileName = nameShownAfterRemoving();
             RemoveFromFavourites(path);
             if (m_state.MarkIndexThumbnail)
@@ -218,18 +214,14 @@ void frmMain::SFDelete_Click()
 void frmMain::SFInfo_Click()
 {
     ClearCropSelection();
-    const QString path = m_state.currentPath();
-    if (m_state.CurrentFileName.isEmpty() || !IsExistingFile(path)) {
-        unsetCursor();
-        const FileContext context{m_prompts, m_state.messages, {}, {}};
-        ReportMissingFile(path, context);
-        return;
-    }
-    stopSlideTimer();
-    frmMessage *panel =
-        ShowFileInfo(this, m_state.ProgramFolder, m_state.messages, path, LabPix->text().trimmed(), m_state.FileTypeCode);
-    connect(panel, &QDialog::finished, this, [this] { restartSlideTimerIfOn(); });
     unsetCursor();
+    const FileContext context{m_prompts, m_state.messages, {}, {}};
+    frmMessage *panel = FileCommands::showInfo(this, m_state, context, m_state.currentPath(), LabPix->text().trimmed(),
+                                               m_state.FileTypeCode);
+    if (panel) {
+        stopSlideTimer();
+        connect(panel, &QDialog::finished, this, [this] { restartSlideTimerIfOn(); });
+    }
 }
 
 void frmMain::mnuMove_Click()
