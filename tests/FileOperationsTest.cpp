@@ -149,7 +149,8 @@ TEST_F(FileOpsFixture, SizeTextsOfRealFiles)
 TEST_F(FileOpsFixture, CopyAndMoveKeepAwkwardNames)
 {
     const QString from = folder("from"), to = folder("to");
-    const QStringList names{"with space.jpg", "a,b.jpg", "quote \"x\" 'y'.avi", "new\nline.jpg", "Città ÆØ 写真.bmp"};
+    const QStringList names{"with space.jpg",     "a,b.jpg",       "100% %1 %2.jpg",
+                            "quote \"x\" 'y'.avi", "new\nline.jpg", "Città ÆØ 写真.bmp"};
     for (const QString &name : names) {
         writeFile(from + '/' + name, name.toUtf8());
         ASSERT_TRUE(CopyThisFile(from + '/' + name, to + '/', context).done()) << name.toStdString();

@@ -1,7 +1,6 @@
 #include "files/FileCopy.h"
 
 #include <QDateTime>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
@@ -47,11 +46,10 @@ private:
 
 QString temporaryPathBeside(const QString &target)
 {
+    // Hidden, and short enough for the 255 bytes of a name in any script.
     const QFileInfo info(target);
-    const QString stem = QStringLiteral(".%1.vimora-part-%2")
-                             .arg(info.fileName().left(64))
-                             .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0'));
-    return info.absolutePath() + QLatin1Char('/') + stem;
+    return info.absolutePath() + QStringLiteral("/.") + info.fileName().left(32) + QStringLiteral(".vimora-part-")
+         + QString::number(QRandomGenerator::global()->generate(), 16);
 }
 
 } // namespace

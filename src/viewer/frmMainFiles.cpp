@@ -106,6 +106,8 @@ QString frmMain::nameShownAfterRemoving() const
 
 void frmMain::cmdAdd_Click()
 {
+    if (m_state.CurrentFileName.isEmpty())
+        return;
     stopSlideTimer();
     Inserisci_Lista(m_state.currentPath());
     cmdList->setEnabled(true);
@@ -125,6 +127,8 @@ void frmMain::cmdList_Click()
 
 void frmMain::mnuRemove_Click()
 {
+    if (m_state.CurrentFileName.isEmpty())
+        return;
     const QString path = m_state.currentPath();
     RemoveFromFavourites(path);
     if (m_state.MarkIndexThumbnail)
