@@ -1,4 +1,6 @@
+#include "core/AppState.h"
 #include "files/FileInfoText.h"
+#include "files/PlayerRelease.h"
 #include "files/TechRen.h"
 #include "files/frmList.h"
 #include "files/frmMessage.h"
@@ -187,4 +189,31 @@ TEST(FileInfoText, TypeDescriptionsAndDetail)
     const QString detail = FileInfoText::detailText("640 x 480", "1.500 K", QDateTime(QDate(2024, 5, 6), QTime(7, 8)));
     EXPECT_TRUE(detail.startsWith(" (640 x 480)\r\n\r\n1.500 K\r\n\r\n")) << detail.toStdString();
     EXPECT_GT(detail.size(), QString(" (640 x 480)\r\n\r\n1.500 K\r\n\r\n").size());
+}
+
+TEST(PlayerRelease, OnlyThePlayerHoldingThePathLetsGo)
+{
+    const QString clip = TestClips::clip("mpg");
+    if (clip.isEmpty())
+        GTEST_SKIP() << "ffmpeg could not make a test clip";
+    MemorySettingsStore settings;
+    MessageCatalogue messages;
+    AppState state(settings, messages);
+    QStringList indexAsked;
+    state.ReleaseIndexPlayers = [&](const QString &path) { indexAsked.append(path); };
+    MoviePlayer player;
+    player.setFileName(clip);
+    state.MainMovieLoaded = true;
+    state.KeepDisplay = true;
+
+    ReleasePlayerFile(clip + ".other", state, &player); // exact names only
+    EXPECT_EQ(player.FileName(), clip);
+    EXPECT_TRUE(state.MainMovieLoaded);
+
+    ReleasePlayerFile(clip, state, &player);
+    EXPECT_EQ(player.FileName(), "");
+    EXPECT_FALSE(player.hasEngine());
+    EXPECT_FALSE(state.MainMovieLoaded);
+    EXPECT_FALSE(state.KeepDisplay);
+    EXPECT_EQ(indexAsked, QStringList({clip + ".other", clip}));
 }
