@@ -245,7 +245,8 @@ void frmMain::buildMenus()
     // Commands that Vimora does not have yet are shown but cannot be chosen,
     // rather than chosen with nothing happening.
     for (QAction *notYet : {mnuPlay, mnuStop, mnuFullScreen, mnuSave, mnuPrint, mnuClipboard, mnuGrab, mnuWall,
-                            mnuRemoveWall, mnuShellOpen, mnuShellEdit, mnuCropSave, mnuCropClip, mnuCropPrint, mnuDirOpen,
+                            mnuRemoveWall,
+                            mnuShellOpen, mnuShellEdit, mnuCropSave, mnuCropClip, mnuCropPrint, mnuDirOpen,
                             mnuDirExpl})
         notYet->setEnabled(false);
 }
