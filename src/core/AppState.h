@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 class MessageCatalogue;
@@ -64,6 +65,12 @@ struct AppState {
 
     // Type groups Vimora is the default viewer for ("Linked" marks).
     QSet<QString> LinkedTypes;
+    // File commands: hooks of the thumbnail index, set while it exists.
+    // ReleaseIndexPlayers makes every cell player holding the path let go
+    // of it; MarkIndexThumbnail shows or hides a cell's favourites mark.
+    std::function<void(const QString &path)> ReleaseIndexPlayers;
+    std::function<void(const QString &path, bool on)> MarkIndexThumbnail;
+    bool ListWindowOpen = false;
 
     bool listIsEmpty() const { return FileNames.size() <= 1 && FileNames.value(0).isEmpty(); }
     int fileUpperBound() const { return int(FileNames.size()) - 1; }

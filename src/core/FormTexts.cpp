@@ -121,6 +121,11 @@ const QList<Entry> ListCaptions{
     {"SFInfo", 821, "Properties"},
     {"mnuRename", 811, "Rename"},
     {"mnuDelete", 820, "Delete"},
+    // favourites window: title, select-all box and the menu's list commands
+    {"", 10111, "Global Operations"},
+    {"Check1", 20622, "Select all"},
+    {"mnuRemove", 819, "Remove from list"},
+    {"mnuClear", 373, "Clear List"},
 };
 
 const QList<Entry> ListTooltips{

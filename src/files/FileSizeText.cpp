@@ -15,16 +15,29 @@ QString GroupThousands(const QString &digits)
     return text;
 }
 
-QString sizeText(qint64 bytes, const QString &bytesWord)
+namespace {
+// Hundredths of a kilobyte, rounded down, then whole kilobytes rounded up:
+// 1,034 bytes are exactly 1 K, 1,035 are 2 K.
+template <typename Real>
+QString kilobyteText(Real bytes, const QString &bytesWord)
 {
-    // Hundredths of a kilobyte, rounded down, in single precision as the
-    // original arithmetic was: 1,034 bytes are exactly 1 K, 1,035 are 2 K.
-    const float hundredths = std::floor(float(bytes) / 10.24f);
-    const float k = hundredths / 100.0f;
+    const Real hundredths = std::floor(bytes / Real(10.24));
+    const Real k = hundredths / Real(100);
     if (k < 1)
-        return QString::number(bytes) + QLatin1Char(' ') + bytesWord;
+        return QString::number(static_cast<qint64>(bytes)) + QLatin1Char(' ') + bytesWord;
     const auto whole = static_cast<qint64>(std::ceil(k));
     return GroupThousands(QString::number(whole)) + QStringLiteral(" K");
+}
+} // namespace
+
+QString sizeText(qint64 bytes, const QString &bytesWord)
+{
+    return kilobyteText(float(bytes), bytesWord); // single precision, as a file's size always was
+}
+
+QString sizeTextPrecise(double bytes, const QString &bytesWord)
+{
+    return kilobyteText(bytes, bytesWord);
 }
 
 QString FileSizeText(const QString &path, const MessageCatalogue &messages)

@@ -245,8 +245,7 @@ void frmMain::buildMenus()
 
     // Commands that Vimora does not have yet are shown but cannot be chosen,
     // rather than chosen with nothing happening.
-    for (QAction *notYet : {mnuPlay, mnuStop, mnuFullScreen, mnuMove, mnuAdd, mnuRemove, mnuGlobal, SFRename,
-                            SFDelete, SFInfo})
+    for (QAction *notYet : {mnuPlay, mnuStop, mnuFullScreen})
         notYet->setEnabled(false);
 }
 
@@ -295,6 +294,7 @@ void frmMain::connectHandlers()
     connect(cmdRefr, &QToolButton::clicked, this, &frmMain::cmdRefr_Click);
     connect(cmdClear, &QToolButton::clicked, this, &frmMain::cmdClear_Click);
     connectOutputHandlers();
+    connectFileCommands();
 }
 
 bool frmMain::eventFilter(QObject *watched, QEvent *event)

@@ -18,6 +18,7 @@ class Launcher;
 class frmIndex;
 class MoviePlayer;
 class PictureView;
+class frmList;
 class Prompts;
 class clsCommonDialog;
 class QAction;
@@ -195,6 +196,23 @@ public:
     void cmdIndex_Click();
     void refreshForIndex(); // the index's refresh: the list is read again
     frmIndex *indexWindow() const { return m_index; }
+    // File commands and the favourites window (frmMainFiles.cpp).
+    void cmdAdd_Click();
+    void cmdList_Click();
+    void mnuAdd_Click() { cmdAdd_Click(); }
+    void mnuGlobal_Click() { cmdList_Click(); }
+    void SFRename_Click();
+    void SFDelete_Click();
+    void SFInfo_Click();
+    void mnuMove_Click();
+    void mnuRemove_Click();
+    frmList &favourites(); // made on first use
+    // The index and the full-screen view add and remove through these.
+    void Inserisci_Lista(const QString &path);
+    void RemoveFromFavourites(const QString &path);
+    // The rename box; tests give their own.
+    void setRenameBox(std::function<QString(const QRect &, const QString &)> box) { m_renameBox = std::move(box); }
+    void releasePlayers(const QString &path); // ReleasePlayerFile with this window's player
 
 signals:
     void fileShown(const QString &path);
@@ -277,6 +295,10 @@ private:
     void reportDialogError(const clsCommonDialog &dialog);
     void reloadAfterWrite(const QString &path);
     void endOutputCommand(bool grabToo);
+    void connectFileCommands();
+    void SaveFavourites();
+    QString nameShownAfterRemoving() const;
+    friend class MainFavouritesHost;
 
     AppState &m_state;
     Prompts &m_prompts;
@@ -315,4 +337,6 @@ private:
     void unloadIndex();
     void applyLanguageToIndex();
     frmIndex *m_index = nullptr;
+    frmList *m_favourites = nullptr;
+    std::function<QString(const QRect &, const QString &)> m_renameBox;
 };

@@ -174,6 +174,7 @@ void frmMain::Form_Unload()
         MediaPlayer1->setFileName(QString());
     }
     QCoreApplication::processEvents();
+    SaveFavourites();
     SaveUserSettings();
 }
 

@@ -1,0 +1,249 @@
+#include "viewer/frmMain.h"
+
+#include "core/AppState.h"
+#include "core/MessageCatalogue.h"
+#include "files/CopyProgress.h"
+#include "files/FileCommands.h"
+#include "files/FileOperations.h"
+#include "files/FilePaths.h"
+#include "files/PlayerRelease.h"
+#include "files/TechRen.h"
+#include "files/frmList.h"
+#include "files/frmMessage.h"
+#include "platform/MoviePlayer.h"
+#include "viewer/PictureView.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QLabel>
+#include <QPushButton>
+#include <QTimer>
+#include <QToolButton>
+
+// The main window as the favourites window sees it.
+class MainFavouritesHost : public QObject, public FavouritesHost {
+public:
+    explicit MainFavouritesHost(frmMain &main) : QObject(&main), m_main(main) {}
+
+    QString shownFolder() const override { return m_main.m_state.CurrentFolder; }
+    QString shownPath() const override
+    {
+        return m_main.m_state.CurrentFileName.isEmpty() ? QString() : m_main.m_state.currentPath();
+    }
+    QRect mainFrame() const override { return m_main.frameGeometry(); }
+    void refreshFileList() override { m_main.cmdRefr_Click(); }
+    void showFile(const QString &path) override { m_main.DropFile(path); }
+    void forgetShownFile() override
+    {
+        m_main.clearDisplay();
+        m_main.hideStatusLabels();
+        m_main.m_state.MainMovieLoaded = false;
+        m_main.m_state.CurrentFileName = m_main.nameShownAfterRemoving();
+    }
+    void setAddEnabled(bool on) override { m_main.cmdAdd->setEnabled(on); }
+    void setListEnabled(bool on) override { m_main.cmdList->setEnabled(on); }
+    void pauseSlideshow() override { m_main.stopSlideTimer(); }
+    void resumeSlideshow() override { m_main.restartSlideTimerIfOn(); }
+    void releasePlayers(const QString &path) override { m_main.releasePlayers(path); }
+
+private:
+    frmMain &m_main;
+};
+
+namespace {
+FileContext contextFor(QWidget *window, Prompts &prompts, const MessageCatalogue &messages,
+                       std::function<void(const QString &)> release)
+{
+    FileContext context{prompts, messages, std::move(release), {}};
+    context.copy.progress = copyProgressWindow(window, messages.GetMsg(20623, QStringLiteral("Copying ...")),
+                                               messages.GetMsg(104, QStringLiteral("&Cancel")));
+    return context;
+}
+} // namespace
+
+void frmMain::connectFileCommands()
+{
+    connect(cmdAdd, &QToolButton::clicked, this, &frmMain::cmdAdd_Click);
+    connect(cmdList, &QToolButton::clicked, this, &frmMain::cmdList_Click);
+    connect(mnuAdd, &QAction::triggered, this, &frmMain::mnuAdd_Click);
+    connect(mnuGlobal, &QAction::triggered, this, &frmMain::mnuGlobal_Click);
+    connect(mnuRemove, &QAction::triggered, this, &frmMain::mnuRemove_Click);
+    connect(mnuMove, &QAction::triggered, this, &frmMain::mnuMove_Click);
+    connect(SFRename, &QAction::triggered, this, &frmMain::SFRename_Click);
+    connect(SFDelete, &QAction::triggered, this, &frmMain::SFDelete_Click);
+    connect(SFInfo, &QAction::triggered, this, &frmMain::SFInfo_Click);
+    m_renameBox = [this](const QRect &where, const QString &name) {
+        return AskNewName(this, where, name, m_state.messages);
+    };
+}
+
+frmList &frmMain::favourites()
+{
+    if (!m_favourites)
+        m_favourites = new frmList(m_state, m_prompts, *new MainFavouritesHost(*this), this);
+    return *m_favourites;
+}
+
+// Made now if never opened, so the stored list is written back as read.
+void frmMain::SaveFavourites() { favourites().SaveFavourites(); }
+
+void frmMain::Inserisci_Lista(const QString &path) { favourites().Inserisci_Lista(path); }
+
+void frmMain::RemoveFromFavourites(const QString &path) { favourites().RemoveFromFavourites(path); }
+
+void frmMain::releasePlayers(const QString &path) { ReleasePlayerFile(path, m_state, MediaPlayer1); }
+
+// After the file on show is deleted or moved away, the one that followed
+// it is shown, or the one before when it was the last.
+QString frmMain::nameShownAfterRemoving() const
+{
+    const int index = m_state.CurrentIndex;
+    if (index + 1 <= m_state.fileUpperBound())
+        return m_state.FileNames.value(index + 1);
+    return m_state.FileNames.value(index - 1);
+}
+
+void frmMain::cmdAdd_Click()
+{
+    if (m_state.CurrentFileName.isEmpty())
+        return;
+    stopSlideTimer();
+    Inserisci_Lista(m_state.currentPath());
+    cmdList->setEnabled(true);
+    restartSlideTimerIfOn();
+}
+
+void frmMain::cmdList_Click()
+{
+    stopSlideTimer();
+    frmList &list = favourites();
+    list.show();
+    list.raise();
+    list.cmdSave->setFocus(); // a disabled button simply does not take it
+    m_state.ListWindowOpen = true;
+    restartSlideTimerIfOn();
+}
+
+void frmMain::mnuRemove_Click()
+{
+    if (m_state.CurrentFileName.isEmpty())
+        return;
+    const QString path = m_state.currentPath();
+    RemoveFromFavourites(path);
+    if (m_state.MarkIndexThumbnail)
+        m_state.MarkIndexThumbnail(path, false);
+}
+
+void frmMain::SFRename_Click()
+{
+    ClearCropSelection();
+    stopSlideTimer();
+    const QString oldPath = m_state.currentPath();
+    if (m_state.CurrentFileName.isEmpty() || !IsExistingFile(oldPath)) {
+        restartSlideTimerIfOn();
+        return;
+    }
+    const QRect nameRect(LabFil->mapToGlobal(QPoint(0, 0)),
+                         QSize(qMax(LabFil->width(), 240), LabFil->fontMetrics().height() + 6));
+    const QString typed = m_renameBox(nameRect, m_state.CurrentFileName);
+    if (typed.isEmpty()) {
+        restartSlideTimerIfOn();
+        return;
+    }
+
+    // A playing movie lets go of its file and comes back where it was.
+    const bool movie = m_state.MainMovieLoaded && MediaPlayer1->FileName() == oldPath;
+    double position = 0;
+    if (movie) {
+        position = MediaPlayer1->CurrentPosition();
+        MediaPlayer1->Stop();
+        MediaPlayer1->setFileName(QString());
+        MediaPlayer1->hide();
+        QCoreApplication::processEvents();
+    }
+    const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &path) {
+        releasePlayers(path);
+    });
+    const QString newPath = FileCommands::renameFile(oldPath, typed, context);
+    const bool renamed = !newPath.isEmpty();
+    if (renamed && m_favourites)
+        m_favourites->replaceEntry(oldPath, newPath);
+
+    const bool stays = QFileInfo(newPath).absolutePath() == m_state.CurrentFolder;
+    if (renamed)
+        m_state.CurrentFileName = stays ? QFileInfo(newPath).fileName() : nameShownAfterRemoving();
+    cmdRefr_Click();
+    if (movie && m_state.MainMovieLoaded && MediaPlayer1->FileName() == m_state.currentPath() && position > 0) {
+        MediaPlayer1->setCurrentPosition(position);
+        MediaPlayer1->Play();
+    }
+    restartSlideTimerIfOn();
+}
+
+void frmMain::SFDelete_Click()
+{
+    ClearCropSelection();
+    stopSlideTimer();
+    const QString path = m_state.currentPath();
+    if (!m_state.CurrentFileName.isEmpty() && IsExistingFile(path)) {
+        const bool movie = m_state.MainMovieLoaded && MediaPlayer1->FileName() == path;
+        const double position = movie ? MediaPlayer1->CurrentPosition() : 0;
+        const bool playing = movie && MediaPlayer1->PlayState() == MoviePlayer::Playing;
+        const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &held) {
+            releasePlayers(held);
+        });
+        if (FileCommands::deleteFile(path, context)) {
+            m_state.CurrentFileName = nameShownAfterRemoving();
+            RemoveFromFavourites(path);
+            if (m_state.MarkIndexThumbnail)
+                m_state.MarkIndexThumbnail(path, false);
+            clearDisplay();
+            hideStatusLabels();
+            cmdRefr_Click();
+        } else if (movie) {
+            cmdRefr_Click();
+            if (m_state.MainMovieLoaded) {
+                MediaPlayer1->setCurrentPosition(position);
+                MediaPlayer1->show();
+                if (playing)
+                    MediaPlayer1->Play();
+            }
+        }
+    }
+    QCoreApplication::processEvents();
+    restartSlideTimerIfOn();
+}
+
+void frmMain::SFInfo_Click()
+{
+    ClearCropSelection();
+    unsetCursor();
+    const FileContext context{m_prompts, m_state.messages, {}, {}};
+    frmMessage *panel = FileCommands::showInfo(this, m_state, context, m_state.currentPath(), LabPix->text().trimmed(),
+                                               m_state.FileTypeCode);
+    if (panel) {
+        stopSlideTimer();
+        connect(panel, &QDialog::finished, this, [this] { restartSlideTimerIfOn(); });
+    }
+}
+
+void frmMain::mnuMove_Click()
+{
+    ClearCropSelection();
+    stopSlideTimer();
+    const QString path = m_state.currentPath();
+    if (!m_state.CurrentFileName.isEmpty()) {
+        const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &held) {
+            releasePlayers(held);
+        });
+        const QString moved = MoveFileToFolder(path, context);
+        if (moved != path) {
+            if (m_favourites)
+                m_favourites->replaceEntry(path, moved);
+            m_state.CurrentFileName = nameShownAfterRemoving();
+            cmdRefr_Click();
+        }
+    }
+    restartSlideTimerIfOn();
+}

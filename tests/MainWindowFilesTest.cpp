@@ -1,0 +1,219 @@
+#include "core/AppState.h"
+#include "files/FileInfoText.h"
+#include "files/PlayerRelease.h"
+#include "files/TechRen.h"
+#include "files/frmList.h"
+#include "files/frmMessage.h"
+#include "platform/MoviePlayer.h"
+#include "support/MainWindowFixture.h"
+#include "support/TestClips.h"
+
+#include <QAction>
+#include <QFile>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QSettings>
+#include <QTest>
+
+namespace {
+
+// A main window showing b.bmp of a folder with a.bmp, b.bmp and c.bmp.
+struct MainWindowFiles : ::testing::Test {
+    MainWindowFixture fixture;
+    QString folder = fixture.makeFolder("pics");
+    QStringList typed; // answers of the rename box
+
+    frmMain &start()
+    {
+        fixture.makeFiles(folder, {"a.bmp", "b.bmp", "c.bmp"});
+        fixture.settings().write("UserDef", "Language", "EN");
+        frmMain &window = fixture.start(folder + "/b.bmp");
+        window.setRenameBox([this](const QRect &, const QString &) { return typed.takeFirst(); });
+        return window;
+    }
+};
+
+} // namespace
+
+TEST_F(MainWindowFiles, AddedFilesAreSavedAtShutdownAndLoadedNextTime)
+{
+    frmMain &window = start();
+    window.cmdAdd->click();
+    EXPECT_TRUE(window.cmdList->isEnabled());
+    window.cmdList->click();
+    frmList &list = window.favourites();
+    EXPECT_TRUE(list.isVisible());
+    EXPECT_TRUE(fixture.state->ListWindowOpen);
+    // Beside the main window, to its right.
+    EXPECT_GT(list.x(), window.frameGeometry().right());
+    fixture.close();
+
+    QSettings ini(fixture.iniPath(), QSettings::IniFormat);
+    EXPECT_EQ(ini.value("Favor/0").toString(), folder + "/b.bmp");
+    EXPECT_FALSE(ini.contains("Favor/1"));
+}
+
+TEST_F(MainWindowFiles, RenameOntoAnExistingNameIsRefusedWithAMessage)
+{
+    frmMain &window = start();
+    typed = {"c.bmp"};
+    window.SFRename->trigger();
+    ASSERT_EQ(fixture.prompts.asked.size(), 1);
+    EXPECT_TRUE(fixture.prompts.asked[0].text.contains(folder + "/c.bmp"));
+    EXPECT_TRUE(QFileInfo::exists(folder + "/b.bmp"));
+    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "b.bmp", "c.bmp"}));
+    EXPECT_EQ(fixture.state->CurrentFileName, "b.bmp");
+}
+
+TEST_F(MainWindowFiles, RenameShowsTheFileUnderItsNewNameAndTheListFollows)
+{
+    frmMain &window = start();
+    window.cmdAdd->click();
+    typed = {"b renamed, 'é'.bmp"};
+    window.SFRename->trigger();
+    EXPECT_TRUE(fixture.prompts.asked.isEmpty());
+    EXPECT_EQ(fixture.state->CurrentFileName, "b renamed, 'é'.bmp");
+    EXPECT_EQ(window.windowTitle(), " b renamed, 'é'.bmp  - Vimora ");
+    EXPECT_TRUE(fixture.state->FileNames.contains("b renamed, 'é'.bmp"));
+    EXPECT_EQ(window.favourites().entries(), QStringList{folder + "/b renamed, 'é'.bmp"});
+
+    // A name with a separator is a new path: the file leaves the folder.
+    const QString elsewhere = fixture.makeFolder("elsewhere");
+    typed = {elsewhere + "/moved.bmp"};
+    window.SFRename->trigger();
+    EXPECT_TRUE(QFileInfo::exists(elsewhere + "/moved.bmp"));
+    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "c.bmp"}));
+}
+
+TEST_F(MainWindowFiles, UnchangedNameOrEscapeRenamesNothing)
+{
+    MessageCatalogue messages;
+    const QList<QPair<int, QString>> keys{{Qt::Key_Return, ""}, {Qt::Key_Escape, ""}};
+    for (const auto &[key, expected] : keys) {
+        TechRen box("same.jpg", messages);
+        EXPECT_EQ(box.txtFile->selectedText(), "same.jpg");
+        QTest::keyClick(box.txtFile, Qt::Key(key));
+        EXPECT_EQ(box.RenameText(), expected);
+    }
+    TechRen box("old.jpg", messages);
+    box.txtFile->setText("  new.jpg ");
+    QTest::keyClick(box.txtFile, Qt::Key_Return);
+    EXPECT_EQ(box.RenameText(), "new.jpg");
+    EXPECT_EQ(RenameTargetOf("/p/old.jpg", "new.jpg"), "/p/new.jpg");
+    EXPECT_EQ(RenameTargetOf("/p/old.jpg", "/q/new.jpg"), "/q/new.jpg");
+}
+
+TEST_F(MainWindowFiles, DeleteSendsTheFileToTheTrashAndShowsTheNextOne)
+{
+    frmMain &window = start();
+    window.cmdAdd->click();
+    window.SFDelete->trigger(); // the question answered No
+    EXPECT_TRUE(QFileInfo::exists(folder + "/b.bmp"));
+    fixture.prompts.answers = {PromptAnswer::Yes};
+    window.SFDelete->trigger();
+    EXPECT_FALSE(QFileInfo::exists(folder + "/b.bmp"));
+    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "c.bmp"}));
+    EXPECT_EQ(fixture.state->CurrentFileName, "c.bmp");
+    EXPECT_TRUE(window.favourites().entries().isEmpty());
+}
+
+TEST_F(MainWindowFiles, InformationShowsThePanelOrReportsAMissingFile)
+{
+    frmMain &window = start();
+    window.SFInfo->trigger();
+    auto *panel = window.findChild<frmMessage *>();
+    ASSERT_TRUE(panel);
+    EXPECT_EQ(panel->labNome->text(), "b.bmp");
+    EXPECT_EQ(panel->txtFile->text(), folder + "/b.bmp");
+    EXPECT_EQ(panel->LabTipo->text(), "Bitmap");
+    EXPECT_TRUE(panel->LabMsg->text().contains("\r\n\r\n" + window.LabSiz->text().trimmed() + "\r\n\r\n"));
+    panel->CmdOk->click();
+
+    QFile::remove(folder + "/b.bmp");
+    window.SFInfo->trigger();
+    ASSERT_EQ(fixture.prompts.asked.size(), 1);
+    EXPECT_EQ(fixture.prompts.asked[0].text, "File Not Found !\r\n\r\n" + folder + "/b.bmp");
+    EXPECT_EQ(fixture.prompts.asked[0].icon, PromptIcon::Critical);
+}
+
+TEST_F(MainWindowFiles, MoveTakesTheFileAwayAndShowsTheNextOne)
+{
+    frmMain &window = start();
+    const QString target = fixture.makeFolder("target");
+    fixture.prompts.folders = {target};
+    window.mnuMove->trigger();
+    EXPECT_TRUE(QFileInfo::exists(target + "/b.bmp"));
+    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "c.bmp"}));
+    EXPECT_EQ(fixture.state->CurrentFileName, "c.bmp");
+}
+
+TEST_F(MainWindowFiles, RenamedPlayingMovieResumesWhereItWas)
+{
+    const QString clip = TestClips::clip("avi");
+    if (clip.isEmpty())
+        GTEST_SKIP() << "ffmpeg could not make a test clip";
+    QFile::copy(clip, folder + "/clip.avi");
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/clip.avi");
+    window.setRenameBox([](const QRect &, const QString &) { return QStringLiteral("clip renamed.avi"); });
+    MoviePlayer *player = window.MediaPlayer1;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return player->CurrentPosition() > 0.4; }, 5000));
+    player->Pause();
+    const double at = player->CurrentPosition();
+
+    window.SFRename->trigger();
+    EXPECT_EQ(player->FileName(), folder + "/clip renamed.avi");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return player->PlayState() == MoviePlayer::Playing; }, 5000));
+    EXPECT_GE(player->CurrentPosition(), at - 0.1);
+}
+
+TEST(FileInfoText, TypeDescriptionsAndDetail)
+{
+    MessageCatalogue messages;
+    struct Case {
+        const char *code, *description;
+        bool iconIsFile;
+    };
+    const Case cases[] = {
+        {"MPEG", "MPEG Movie", false}, {"ASX", "ASF Stream Locator", false}, {"RAM", "Real Media", false},
+        {"QT", "QuickTime Movie", false}, {"PPS", "PowerPoint", false}, {"ICO", "Icon", true},
+        {"JPG", "JPEG", false}, {"IFO", "DVD IFO", false}, {"GIF", "", false},
+    };
+    for (const Case &c : cases) {
+        const FileInfoText::TypeLook look = FileInfoText::lookOf(c.code, messages);
+        EXPECT_EQ(look.description, c.description) << c.code;
+        EXPECT_EQ(look.iconIsFile, c.iconIsFile) << c.code;
+        EXPECT_FALSE(look.fallbackIcon.isEmpty()) << c.code;
+    }
+    const QString detail = FileInfoText::detailText("640 x 480", "1.500 K", QDateTime(QDate(2024, 5, 6), QTime(7, 8)));
+    EXPECT_TRUE(detail.startsWith(" (640 x 480)\r\n\r\n1.500 K\r\n\r\n")) << detail.toStdString();
+    EXPECT_GT(detail.size(), QString(" (640 x 480)\r\n\r\n1.500 K\r\n\r\n").size());
+}
+
+TEST(PlayerRelease, OnlyThePlayerHoldingThePathLetsGo)
+{
+    const QString clip = TestClips::clip("mpg");
+    if (clip.isEmpty())
+        GTEST_SKIP() << "ffmpeg could not make a test clip";
+    MemorySettingsStore settings;
+    MessageCatalogue messages;
+    AppState state(settings, messages);
+    QStringList indexAsked;
+    state.ReleaseIndexPlayers = [&](const QString &path) { indexAsked.append(path); };
+    MoviePlayer player;
+    player.setFileName(clip);
+    state.MainMovieLoaded = true;
+    state.KeepDisplay = true;
+
+    ReleasePlayerFile(clip + ".other", state, &player); // exact names only
+    EXPECT_EQ(player.FileName(), clip);
+    EXPECT_TRUE(state.MainMovieLoaded);
+
+    ReleasePlayerFile(clip, state, &player);
+    EXPECT_EQ(player.FileName(), "");
+    EXPECT_FALSE(player.hasEngine());
+    EXPECT_FALSE(state.MainMovieLoaded);
+    EXPECT_FALSE(state.KeepDisplay);
+    EXPECT_EQ(indexAsked, QStringList({clip + ".other", clip}));
+}
