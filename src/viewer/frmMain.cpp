@@ -5,6 +5,7 @@
 #include "core/MessageCatalogue.h"
 #include "platform/DataFolder.h"
 #include "platform/MoviePlayer.h"
+#include "viewer/AnimationView.h"
 #include "viewer/FilterItemDelegate.h"
 #include "viewer/PictureView.h"
 
@@ -148,8 +149,7 @@ void frmMain::buildControls()
 
     ImgEgg = named(new PictureView(this), "ImgEgg");
     ImgEgg->hide();
-    WebBrowser1 = named(new QLabel(this), "WebBrowser1");
-    WebBrowser1->setAlignment(Qt::AlignCenter);
+    WebBrowser1 = named(new AnimationView(this), "WebBrowser1");
     WebBrowser1->hide();
     MediaPlayer1 = named(new MoviePlayer(this), "MediaPlayer1");
     MediaPlayer1->hide();
@@ -244,7 +244,7 @@ void frmMain::buildMenus()
 
     // Commands that Vimora does not have yet are shown but cannot be chosen,
     // rather than chosen with nothing happening.
-    for (QAction *notYet : {mnuPlay, mnuStop, mnuFullScreen, mnuSave, mnuPrint, mnuClipboard, mnuGrab, mnuWall,
+    for (QAction *notYet : {mnuSave, mnuPrint, mnuClipboard, mnuGrab, mnuWall,
                             mnuRemoveWall, mnuMove, mnuAdd, mnuRemove, mnuGlobal, SFRename, SFDelete, SFInfo,
                             mnuShellOpen, mnuShellEdit, mnuCropSave, mnuCropClip, mnuCropPrint, mnuDirOpen,
                             mnuDirExpl})
@@ -294,6 +294,7 @@ void frmMain::connectHandlers()
     connect(cmdUp, &QToolButton::clicked, this, &frmMain::cmdUp_Click);
     connect(cmdRefr, &QToolButton::clicked, this, &frmMain::cmdRefr_Click);
     connect(cmdClear, &QToolButton::clicked, this, &frmMain::cmdClear_Click);
+    connectMovieHandlers();
 }
 
 bool frmMain::eventFilter(QObject *watched, QEvent *event)

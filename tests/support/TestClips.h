@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QString>
 #include <QStringList>
 
@@ -33,5 +34,9 @@ QString dvdFolder(QString *whyNot = nullptr);
 // Runs a program with arguments; true when it exits with 0 in time.
 bool run(const QString &program, const QStringList &arguments, int timeoutMs = 60000,
          const QStringList &environment = {});
+
+// testsrc shows colour bars: a real frame has several bright hues, a blank
+// one (black, or one flat colour) has not.
+bool showsColourBars(const QImage &image);
 
 } // namespace TestClips
