@@ -204,7 +204,9 @@ void frmFull::Form_MouseDown(QMouseEvent *event)
 
 void frmFull::ImgEgg_MouseDown(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton && !m_state.AnimateGifs)
+    // Only a still picture: an animation leaves the presses to the window.
+    const bool animated = m_state.AnimateGifs && m_state.FileTypeCode == u"GIF";
+    if (event->button() != Qt::LeftButton && !animated)
         showPopup(event->globalPosition().toPoint(), true);
 }
 
