@@ -10,6 +10,7 @@
 #include <QFrame>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QSet>
 #include <QTest>
 #include <QTimer>
 
@@ -346,3 +347,43 @@ TEST(MainWindowAnimation, CheckBoxSwitchesBetweenAnimationAndStillPicture)
     EXPECT_FALSE(window.WebBrowser1->isVisible());
     EXPECT_TRUE(window.WebBrowser1->isEmpty());
 }
+
+// ---------------------------------------------------------------- corpus
+
+namespace {
+// Several colours: a real frame, not a black or flat one.
+bool notBlank(const QImage &image)
+{
+    QSet<QRgb> colours;
+    for (int y = 0; y < image.height(); y += 4)
+        for (int x = 0; x < image.width(); x += 4)
+            colours.insert(image.pixel(x, y));
+    return colours.size() > 8;
+}
+} // namespace
+
+class MainWindowCorpusMovie : public ::testing::TestWithParam<const char *> {};
+
+// Shown by full path, as a drop or the command line does: the MPEG
+// elementary stream (.m1v) plays like the rest.
+TEST_P(MainWindowCorpusMovie, PlaysAndShowsAFrame)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("start");
+    fixture.makeFiles(folder, {"a.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/a.bmp");
+    window.ChkAuto->setChecked(true);
+    window.Mostra_Image(false, QStringLiteral(VIMORA_CORPUS_DIR "/") + GetParam(), true);
+    EXPECT_TRUE(fixture.state->MainMovieLoaded);
+    MoviePlayer &player = *window.MediaPlayer1;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return player.PlayState() == MoviePlayer::Playing; }, OpenTimeoutMs));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return notBlank(player.currentFrame()); }, OpenTimeoutMs));
+    EXPECT_TRUE(fixture.prompts.asked.isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, MainWindowCorpusMovie,
+                         ::testing::Values("vp8-test-vectors/vp80-00-comprehensive-001.ivf",
+                                           "go-mediainfo-samples/sample.avi", "go-mediainfo-samples/sample.mpg",
+                                           "mediainfo-js/test-sample-320x240-29.970fps-14.014s.m1v",
+                                           "totem-pl-parser/asf-with-asx-suffix.asx"));
