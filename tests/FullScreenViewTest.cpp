@@ -205,9 +205,15 @@ TEST(FullScreenView, PopupItemsOfOtherFeaturesWaitForTheirHooks)
                           view->mnuSave, view->mnuWall, view->mnuRemoveWall})
         EXPECT_FALSE(item->isEnabled()) << item->objectName().toStdString();
 
+    // Wired the way the lead does: each new window gets its hooks.
     int added = 0;
-    view->onAddToFavourites = [&] { ++added; };
-    view->onSave = [&] { ++added; };
+    view->close();
+    full.window().onFullViewLoaded = [&](frmFull &made) {
+        made.onAddToFavourites = [&] { ++added; };
+        made.onSave = [&] { ++added; };
+    };
+    view = full.open();
+    ASSERT_NE(view, nullptr);
     rightPress();
     EXPECT_TRUE(view->mnuAdd->isEnabled());
     EXPECT_TRUE(view->mnuSave->isEnabled());

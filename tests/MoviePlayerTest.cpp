@@ -577,3 +577,33 @@ TEST(MoviePlayer, MouseEventsReachTheWindow)
     EXPECT_EQ(player.videoCursor(), Qt::CrossCursor);
     EXPECT_EQ(player.cursor().shape(), Qt::CrossCursor);
 }
+
+// ---------------------------------------------------------------- MPEG streams
+
+// MPE, MPV, M1V, MPV2 (video) and MP2, MPA (audio) are MPEG streams: they
+// are movies and play whatever their extension.
+TEST(MoviePlayer, BareMpegStreamsPlayUnderEachOfTheirExtensions)
+{
+    REQUIRE_CLIP(video, "m1v");
+    REQUIRE_CLIP(audio, "mpa");
+    QTemporaryDir dir;
+    const struct {
+        const char *extension;
+        bool hasVideo;
+    } cases[] = {{"mpe", true}, {"mpv", true}, {"m1v", true}, {"mpv2", true}, {"mp2", false}, {"mpa", false}};
+    for (const auto &c : cases) {
+        const QString path = dir.path() + "/stream." + c.extension;
+        ASSERT_TRUE(QFile::copy(c.hasVideo ? video : audio, path));
+        const auto player = shownPlayer();
+        player->setAutoStart(true);
+        player->setFileName(path);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return player->PlayState() == MoviePlayer::Playing; }, OpenTimeoutMs))
+            << c.extension;
+        if (c.hasVideo)
+            EXPECT_TRUE(QTest::qWaitFor([&] { return TestClips::showsColourBars(player->currentFrame()); },
+                                        OpenTimeoutMs))
+                << c.extension;
+        else
+            EXPECT_TRUE(QTest::qWaitFor([&] { return player->Duration() > 1; }, OpenTimeoutMs)) << c.extension;
+    }
+}

@@ -186,6 +186,8 @@ public:
     // main window when full screen hides and shows it.
     std::function<void(const QString &path)> onMainMoviePlaying;
     std::function<void(bool visible)> onIndexVisibility;
+    // Called each time the full-screen window is made, to wire its hooks.
+    std::function<void(frmFull &view)> onFullViewLoaded;
 
 signals:
     void fileShown(const QString &path);

@@ -87,8 +87,10 @@ void frmMain::mnuFullScreen_Click()
         if (m_state.FullScreenActive)
             setMainWindowsVisible(false);
         m_state.FullScreenActive = true;
-        if (!m_fullView) {
+        if (!m_fullView || !m_state.FullViewLoaded) { // a closed one is only waiting to be deleted
             m_fullView = new frmFull(m_state, *this);
+            if (onFullViewLoaded)
+                onFullViewLoaded(*m_fullView);
             m_fullView->Form_Load();
         }
         m_fullView->MostraFullImage();

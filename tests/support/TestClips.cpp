@@ -41,6 +41,11 @@ QStringList encoding(const QString &extension)
         return testsrc() + sine() + QStringList{"-t", t, "-c:v", "wmv2", "-c:a", "wmav2", "-f", "asf"};
     if (extension == QLatin1String("rm"))
         return testsrc() + QStringList{"-t", t, "-c:v", "rv20", "-f", "rm"};
+    // Bare MPEG streams: the video and audio halves of an .mpg.
+    if (extension == QLatin1String("m1v"))
+        return testsrc() + QStringList{"-t", t, "-c:v", "mpeg1video", "-f", "mpeg1video"};
+    if (extension == QLatin1String("mpa"))
+        return sine() + QStringList{"-t", t, "-c:a", "mp2", "-f", "mp2"};
     if (extension == QLatin1String("ivf"))
         return testsrc() + QStringList{"-t", t, "-c:v", "libvpx", "-b:v", "200k", "-f", "ivf"};
     return {};

@@ -24,6 +24,8 @@ QString folder();
 // ivf (VP8).
 QStringList extensions();
 
+// clip() also makes the bare MPEG streams "m1v" (video) and "mpa" (MP2
+// audio), which extensions() leaves out.
 // The clip for an extension above, or "" when it could not be made.
 QString clip(const QString &extension);
 
