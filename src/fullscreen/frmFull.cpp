@@ -21,7 +21,9 @@
 #include <QScreen>
 #include <QTimer>
 
-frmFull::frmFull(AppState &state, frmMain &main) : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint),
+// A window of its own, owned by the main window so it never outlives it;
+// hiding the main window leaves it up.
+frmFull::frmFull(AppState &state, frmMain &main) : QWidget(&main, Qt::Window | Qt::FramelessWindowHint),
     m_state(state), m_main(main)
 {
     setObjectName(QStringLiteral("frmFull"));
