@@ -32,11 +32,6 @@ void frmMain::connectMovieHandlers()
     connect(MediaPlayer1, &MoviePlayer::keyPressed, this, &frmMain::MediaPlayer1_KeyPress);
     connect(MediaPlayer1, &MoviePlayer::PlayStateChange, this, &frmMain::MediaPlayer1_PlayStateChange);
     connect(MediaPlayer1, &MoviePlayer::displaySizeChanged, this, &frmMain::MediaPlayer1_DisplaySizeChange);
-    MediaPlayer1->setMenuTexts({m_state.messages.GetMsg(701, QStringLiteral("Play/Pause")),
-                                m_state.messages.GetMsg(701, QStringLiteral("Play/Pause")),
-                                m_state.messages.GetMsg(702, QStringLiteral("Stop")),
-                                m_state.messages.GetMsg(829, QStringLiteral("Full Screen")),
-                                m_state.messages.GetMsg(703, QStringLiteral("Restore"))});
 }
 
 frmFull *frmMain::fullView() const { return m_fullView; }
@@ -168,7 +163,7 @@ void frmMain::MediaPlayer1_MouseDown(QMouseEvent *event)
     }
     if (event->button() != Qt::RightButton)
         return;
-    event->accept(); // the window's menu replaces the player's own
+    event->accept(); // the window's menu replaces the player's own, always
     TimerImage->stop();
     if (m_state.IndexLoading)
         return;
