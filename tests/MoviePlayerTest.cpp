@@ -51,29 +51,6 @@ struct StateRecorder {
     int failures = 0;
 };
 
-// testsrc shows colour bars: a real frame has several bright hues, a blank
-// one (black, or one flat colour) has not.
-bool showsColourBars(const QImage &image)
-{
-    if (image.isNull())
-        return false;
-    QSet<int> hues;
-    qint64 bright = 0;
-    const QImage rgb = image.convertToFormat(QImage::Format_RGB32);
-    for (int y = 0; y < rgb.height(); y += 2) {
-        for (int x = 0; x < rgb.width(); x += 2) {
-            const QColor colour = QColor::fromRgb(rgb.pixel(x, y));
-            if (colour.value() > 96) {
-                ++bright;
-                if (colour.hsvSaturation() > 96)
-                    hues.insert(colour.hsvHue() / 30);
-            }
-        }
-    }
-    const qint64 sampled = qint64((rgb.width() + 1) / 2) * ((rgb.height() + 1) / 2);
-    return bright * 4 > sampled && hues.size() >= 4;
-}
-
 QString requireClip(const QString &extension)
 {
     if (!TestClips::ffmpegAvailable())
@@ -120,8 +97,8 @@ TEST_P(MoviePlayerContainerTest, OpensPlaysAndShowsTheColourBars)
     EXPECT_TRUE(QTest::qWaitFor([&] { return player->naturalSize().isValid(); }, 2000));
     EXPECT_EQ(player->naturalSize(), QSize(TestClips::Width, TestClips::Height));
     EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return showsColourBars(player->grab(player->videoArea()).toImage()); }, 3000));
-    EXPECT_TRUE(showsColourBars(player->currentFrame()));
+        [&] { return TestClips::showsColourBars(player->grab(player->videoArea()).toImage()); }, 3000));
+    EXPECT_TRUE(TestClips::showsColourBars(player->currentFrame()));
 }
 
 INSTANTIATE_TEST_SUITE_P(MoviePlayerClips, MoviePlayerContainerTest, ::testing::ValuesIn(TestClips::extensions().toVector()),
@@ -159,7 +136,7 @@ TEST(MoviePlayer, WithoutAutoStartOpensStoppedOnTheFirstFrame)
     ASSERT_TRUE(QTest::qWaitFor([&] { return player->PlayState() == MoviePlayer::Stopped; }, OpenTimeoutMs));
     EXPECT_EQ(player->CurrentPosition(), 0);
     EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return showsColourBars(player->grab(player->videoArea()).toImage()); }, 3000));
+        [&] { return TestClips::showsColourBars(player->grab(player->videoArea()).toImage()); }, 3000));
 }
 
 TEST(MoviePlayer, PauseStopAndPosition)
@@ -197,7 +174,7 @@ TEST(MoviePlayer, PauseStopAndPosition)
     player->Play();
     ASSERT_TRUE(QTest::qWaitFor([&] { return player->PlayState() == MoviePlayer::Paused; }, 4000));
     EXPECT_GT(player->CurrentPosition(), 1.2);
-    EXPECT_TRUE(showsColourBars(player->grab(player->videoArea()).toImage()));
+    EXPECT_TRUE(TestClips::showsColourBars(player->grab(player->videoArea()).toImage()));
     player->Play();
     EXPECT_EQ(player->PlayState(), MoviePlayer::Playing);
     QTest::qWait(200);
@@ -599,4 +576,34 @@ TEST(MoviePlayer, MouseEventsReachTheWindow)
     player.setVideoCursor(Qt::CrossCursor);
     EXPECT_EQ(player.videoCursor(), Qt::CrossCursor);
     EXPECT_EQ(player.cursor().shape(), Qt::CrossCursor);
+}
+
+// ---------------------------------------------------------------- MPEG streams
+
+// MPE, MPV, M1V, MPV2 (video) and MP2, MPA (audio) are MPEG streams: they
+// are movies and play whatever their extension.
+TEST(MoviePlayer, BareMpegStreamsPlayUnderEachOfTheirExtensions)
+{
+    REQUIRE_CLIP(video, "m1v");
+    REQUIRE_CLIP(audio, "mpa");
+    QTemporaryDir dir;
+    const struct {
+        const char *extension;
+        bool hasVideo;
+    } cases[] = {{"mpe", true}, {"mpv", true}, {"m1v", true}, {"mpv2", true}, {"mp2", false}, {"mpa", false}};
+    for (const auto &c : cases) {
+        const QString path = dir.path() + "/stream." + c.extension;
+        ASSERT_TRUE(QFile::copy(c.hasVideo ? video : audio, path));
+        const auto player = shownPlayer();
+        player->setAutoStart(true);
+        player->setFileName(path);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return player->PlayState() == MoviePlayer::Playing; }, OpenTimeoutMs))
+            << c.extension;
+        if (c.hasVideo)
+            EXPECT_TRUE(QTest::qWaitFor([&] { return TestClips::showsColourBars(player->currentFrame()); },
+                                        OpenTimeoutMs))
+                << c.extension;
+        else
+            EXPECT_TRUE(QTest::qWaitFor([&] { return player->Duration() > 1; }, OpenTimeoutMs)) << c.extension;
+    }
 }

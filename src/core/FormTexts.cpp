@@ -88,6 +88,16 @@ const QList<Entry> FullCaptions{
     {"mnuNormal", 703, "Restore"},
     {"mnuShellOpen", 10134, "Shell Open"},
     {"mnuShellEdit", 10135, "Shell Edit"},
+    {"mnuPlay", 701, "Play/Pause"},
+    {"mnuStop", 702, "Stop"},
+    {"mnufit", 825, "Fit window"},
+    {"mnuFull", 824, "Full Size"},
+    {"mnuAdd", 822, "Add to list"},
+    {"mnuRemove", 819, "Remove from list"},
+    {"mnuPrint", 313, "Print"},
+    {"mnuSave", 823, "Save as"},
+    {"mnuWall", 827, "&Wallpaper"},
+    {"mnuRemoveWall", 828, "Restore"},
 };
 
 const QList<Entry> IndexCaptions{

@@ -103,7 +103,12 @@ bool MovieEngine::start(const MovieSource &source, bool play, int volume)
     // The end of a movie stays on its last frame, paused.
     option("keep-open", "yes");
     option("idle", "yes");
-    // Machines without a sound server or device still play the picture.
+    // Only outputs whose state lives in the handle: SDL's audio is one
+    // process-wide subsystem that libmpv's threads start and stop without a
+    // lock, so players opening and closing side by side crashed or hung in
+    // it. PipeWire desktops serve the pulse protocol too. Machines without
+    // a sound server or device still play the picture.
+    option("ao", "pulse,alsa,null");
     option("audio-fallback-to-null", "yes");
     option("pause", play ? "no" : "yes");
     option("volume", QByteArray::number(volume));

@@ -11,6 +11,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
+#include <QScreen>
 #include <QStyle>
 #include <QWindow>
 
@@ -185,6 +186,9 @@ void MoviePlayer::Private::enterFullScreen()
         flagsBeforeFullScreen = q->windowFlags();
         q->setWindowFlags(flagsBeforeFullScreen | Qt::Window);
     }
+    // Without a window manager the full-screen state alone changes nothing.
+    if (const QScreen *screen = q->screen())
+        q->setGeometry(screen->geometry());
     q->showFullScreen();
     q->activateWindow();
     q->setFocus(Qt::OtherFocusReason);

@@ -5,6 +5,7 @@
 #include "core/MessageCatalogue.h"
 #include "platform/DataFolder.h"
 #include "platform/MoviePlayer.h"
+#include "viewer/AnimationView.h"
 #include "viewer/FilterItemDelegate.h"
 #include "viewer/PictureView.h"
 
@@ -149,8 +150,7 @@ void frmMain::buildControls()
 
     ImgEgg = named(new PictureView(this), "ImgEgg");
     ImgEgg->hide();
-    WebBrowser1 = named(new QLabel(this), "WebBrowser1");
-    WebBrowser1->setAlignment(Qt::AlignCenter);
+    WebBrowser1 = named(new AnimationView(this), "WebBrowser1");
     WebBrowser1->hide();
     MediaPlayer1 = named(new MoviePlayer(this), "MediaPlayer1");
     MediaPlayer1->hide();
@@ -242,11 +242,6 @@ void frmMain::buildMenus()
     DIRPOPUP = named(new QMenu(this), "DIRPOPUP");
     mnuDirOpen = action(DIRPOPUP, "mnuDirOpen");
     mnuDirExpl = action(DIRPOPUP, "mnuDirExpl");
-
-    // Commands that Vimora does not have yet are shown but cannot be chosen,
-    // rather than chosen with nothing happening.
-    for (QAction *notYet : {mnuPlay, mnuStop, mnuFullScreen})
-        notYet->setEnabled(false);
 }
 
 void frmMain::connectHandlers()
@@ -295,6 +290,7 @@ void frmMain::connectHandlers()
     connect(cmdClear, &QToolButton::clicked, this, &frmMain::cmdClear_Click);
     connectOutputHandlers();
     connectFileCommands();
+    connectMovieHandlers();
 }
 
 bool frmMain::eventFilter(QObject *watched, QEvent *event)

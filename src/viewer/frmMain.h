@@ -14,6 +14,8 @@
 
 struct AppState;
 class HelpWindow;
+class AnimationView;
+class frmFull;
 class Launcher;
 class frmIndex;
 class MoviePlayer;
@@ -96,7 +98,7 @@ public:
     // Display area.
     QWidget *ImgWall;
     PictureView *ImgEgg;
-    QLabel *WebBrowser1;
+    AnimationView *WebBrowser1;
     MoviePlayer *MediaPlayer1;
     std::array<QFrame *, 4> SelLines; // anchor H, moving H, anchor V, moving V
     QLabel *LabMis;
@@ -213,6 +215,28 @@ public:
     // The rename box; tests give their own.
     void setRenameBox(std::function<QString(const QRect &, const QString &)> box) { m_renameBox = std::move(box); }
     void releasePlayers(const QString &path); // ReleasePlayerFile with this window's player
+    // Movie and animation playback, full screen (frmMainMovie.cpp).
+    void mnuPlay_Click();
+    void mnuStop_Click();
+    void mnuFullScreen_Click();
+    void chkAnim_Click();
+    void mnuAnim_Click();
+    void ImgEgg_DblClick();
+    void MediaPlayer1_MouseDown(QMouseEvent *event);
+    void MediaPlayer1_MouseMove(QMouseEvent *event);
+    void MediaPlayer1_MouseUp(QMouseEvent *event);
+    void MediaPlayer1_KeyPress(QKeyEvent *event);
+    void MediaPlayer1_PlayStateChange(int oldState, int newState);
+    frmFull *fullView() const; // null unless loaded
+    // Hides or shows this window and the index window with it.
+    void setMainWindowsVisible(bool visible);
+    // Wired by the thumbnail index: a movie that starts playing here pauses
+    // the index cells playing the same path; the index window follows the
+    // main window when full screen hides and shows it.
+    std::function<void(const QString &path)> onMainMoviePlaying;
+    std::function<void(bool visible)> onIndexVisibility;
+    // Called each time the full-screen window is made, to wire its hooks.
+    std::function<void(frmFull &view)> onFullViewLoaded;
 
 signals:
     void fileShown(const QString &path);
@@ -299,6 +323,10 @@ private:
     void SaveFavourites();
     QString nameShownAfterRemoving() const;
     friend class MainFavouritesHost;
+    void connectMovieHandlers();
+    void showMoviePopup(QPoint globalPosition);
+    void showAnimation(const QString &path);
+    void MediaPlayer1_DisplaySizeChange(int displaySize);
 
     AppState &m_state;
     Prompts &m_prompts;
@@ -324,6 +352,8 @@ private:
     QPoint m_panStartGlobal;
     QPointF m_panStartOrigin;
     double m_savedMoviePosition = 0;
+    int m_savedDisplaySize = 4;     // the player's display size before full screen
+    QPointer<frmFull> m_fullView;
     QString m_fileSizeDisplay;
     int m_listGeneration = 0;       // a new list load cancels the running one
     qint64 m_slidesLaunchPid = 0;

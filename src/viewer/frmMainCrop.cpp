@@ -2,6 +2,7 @@
 
 #include "core/AppState.h"
 #include "platform/MoviePlayer.h"
+#include "viewer/AnimationView.h"
 #include "viewer/PictureView.h"
 #include "viewer/ZoomRules.h"
 

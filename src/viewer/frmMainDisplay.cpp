@@ -8,6 +8,7 @@
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
 #include "platform/PictureLoader.h"
+#include "viewer/AnimationView.h"
 #include "viewer/PictureView.h"
 #include "viewer/ViewRules.h"
 #include "viewer/ZoomRules.h"
@@ -132,6 +133,10 @@ void frmMain::Mostra_Image(bool backward, const QString &name, bool nameIsFullPa
     ImgTyp->setPixmap(DataFolder::themedIcon(m_state.ProgramFolder, typeIconName(media)).pixmap(16, 16));
     showStatusLabels();
     layoutStatusRow();
+    // A full-screen view shows the new file too; a movie already playing
+    // full screen stays there.
+    if (m_state.FullScreenActive && !(isMovie && MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen))
+        mnuFullScreen_Click();
     emit fileShown(path);
 }
 
@@ -149,6 +154,8 @@ void frmMain::showPicture(const QString &path)
     ImgEgg->setPicture(loaded.image, loaded.naturalSize);
     fitOrActualSize();
     ImgEgg->setVisible(!loaded.image.isNull());
+    if (m_state.FileTypeCode == u"GIF")
+        showAnimation(path);
 }
 
 // Sizes the picture control, reloading the picture at full size first when
@@ -179,11 +186,13 @@ void frmMain::showMovie(const QString &path, double startPosition)
     else if (!m_state.KeepDisplay)
         m_savedMoviePosition = 0;
     MediaPlayer1->setCurrentPosition(m_savedMoviePosition);
-    const double windowWidth = m_twips.fromPixelsX(width());
-    const double windowHeight = m_twips.fromPixelsY(height());
-    MediaPlayer1->setGeometry(m_twips.toPixels(0, ViewGeometry::DisplayTop, windowWidth - ViewGeometry::SideReserve,
-                                               windowHeight - ViewGeometry::DisplayTop - ViewGeometry::BottomReserve));
-    Centra_Image(MediaPlayer1);
+    if (MediaPlayer1->DisplaySize() != MoviePlayer::FullScreen) {
+        const double windowWidth = m_twips.fromPixelsX(width());
+        const double windowHeight = m_twips.fromPixelsY(height());
+        MediaPlayer1->setGeometry(m_twips.toPixels(0, ViewGeometry::DisplayTop, windowWidth - ViewGeometry::SideReserve,
+                                                   windowHeight - ViewGeometry::DisplayTop - ViewGeometry::BottomReserve));
+        Centra_Image(MediaPlayer1);
+    }
     MediaPlayer1->show();
     LabPix->clear();
     LabZoom->setText(ViewRules::zoomLabel(100));

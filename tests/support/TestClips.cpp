@@ -1,9 +1,11 @@
 #include "support/TestClips.h"
 
+#include <QColor>
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
 #include <QProcess>
+#include <QSet>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -39,6 +41,11 @@ QStringList encoding(const QString &extension)
         return testsrc() + sine() + QStringList{"-t", t, "-c:v", "wmv2", "-c:a", "wmav2", "-f", "asf"};
     if (extension == QLatin1String("rm"))
         return testsrc() + QStringList{"-t", t, "-c:v", "rv20", "-f", "rm"};
+    // Bare MPEG streams: the video and audio halves of an .mpg.
+    if (extension == QLatin1String("m1v"))
+        return testsrc() + QStringList{"-t", t, "-c:v", "mpeg1video", "-f", "mpeg1video"};
+    if (extension == QLatin1String("mpa"))
+        return sine() + QStringList{"-t", t, "-c:a", "mp2", "-f", "mp2"};
     if (extension == QLatin1String("ivf"))
         return testsrc() + QStringList{"-t", t, "-c:v", "libvpx", "-b:v", "200k", "-f", "ivf"};
     return {};
@@ -135,6 +142,27 @@ QString dvdFolder(QString *whyNot)
     if (whyNot)
         *whyNot = reason;
     return made;
+}
+
+bool showsColourBars(const QImage &image)
+{
+    if (image.isNull())
+        return false;
+    QSet<int> hues;
+    qint64 bright = 0;
+    const QImage rgb = image.convertToFormat(QImage::Format_RGB32);
+    for (int y = 0; y < rgb.height(); y += 2) {
+        for (int x = 0; x < rgb.width(); x += 2) {
+            const QColor colour = QColor::fromRgb(rgb.pixel(x, y));
+            if (colour.value() > 96) {
+                ++bright;
+                if (colour.hsvSaturation() > 96)
+                    hues.insert(colour.hsvHue() / 30);
+            }
+        }
+    }
+    const qint64 sampled = qint64((rgb.width() + 1) / 2) * ((rgb.height() + 1) / 2);
+    return bright * 4 > sampled && hues.size() >= 4;
 }
 
 } // namespace TestClips

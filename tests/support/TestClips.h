@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QString>
 #include <QStringList>
 
@@ -23,6 +24,8 @@ QString folder();
 // ivf (VP8).
 QStringList extensions();
 
+// clip() also makes the bare MPEG streams "m1v" (video) and "mpa" (MP2
+// audio), which extensions() leaves out.
 // The clip for an extension above, or "" when it could not be made.
 QString clip(const QString &extension);
 
@@ -33,5 +36,9 @@ QString dvdFolder(QString *whyNot = nullptr);
 // Runs a program with arguments; true when it exits with 0 in time.
 bool run(const QString &program, const QStringList &arguments, int timeoutMs = 60000,
          const QStringList &environment = {});
+
+// testsrc shows colour bars: a real frame has several bright hues, a blank
+// one (black, or one flat colour) has not.
+bool showsColourBars(const QImage &image);
 
 } // namespace TestClips

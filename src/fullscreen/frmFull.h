@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QWidget>
+
+#include <array>
+#include <functional>
+
+struct AppState;
+class AnimationView;
+class PictureView;
+class QAction;
+class QMenu;
+class frmMain;
+
+// The current picture of the main window alone on the whole screen. Keys
+// page through the main window's list; a movie reached that way plays in
+// the main window's player, full screen. Esc, a double click, "Restore" or a
+// zoom item give the main window back.
+class frmFull : public QWidget {
+    Q_OBJECT
+public:
+    frmFull(AppState &state, frmMain &main);
+    ~frmFull() override;
+
+    void Form_Load();
+    void MostraFullImage();
+    void Centra_Image(QWidget *target);
+    // A movie took over the screen: nothing of this window shows beneath it.
+    void hidePresenters();
+
+    void Form_KeyDown(QKeyEvent *event);
+    void Form_MouseDown(QMouseEvent *event);
+    void ImgEgg_MouseDown(QMouseEvent *event);
+
+    PictureView *ImgEgg;
+    AnimationView *WebBrowser1;
+    QMenu *SFPOPUP;
+    QMenu *mnuZoom;
+    QAction *mnuPlay, *mnuStop, *mnuSepp, *mnuAnim, *mnuSepGif, *mnuNormal, *mnuAdd, *mnuRemove;
+    QAction *mnuShellOpen, *mnuShellEdit, *mnuPrint, *mnuSave, *mnuWall, *mnuRemoveWall, *mnufit, *mnuFull;
+    std::array<QAction *, 12> mnuZoomItems; // 10 % ... 800 %
+
+    // Commands of other windows and features, wired by whoever builds them;
+    // an item whose hook is empty is shown disabled.
+    std::function<void()> onAddToFavourites;
+    std::function<void()> onRemoveFromFavourites;
+    std::function<void()> onShellOpen;
+    std::function<void()> onShellEdit;
+    std::function<void()> onPrint; // prints the full-screen picture
+    std::function<void()> onSave;  // saves a copy of the current file
+    std::function<void()> onSetWallpaper;
+    std::function<void()> onRemoveWallpaper;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void buildMenu();
+    void showPopup(QPoint globalPosition, bool overPicture);
+    void closeThenRun(const std::function<void()> &command);
+    void runWithTimerStopped(const std::function<void()> &command);
+    void Form_Unload();
+
+    AppState &m_state;
+    frmMain &m_main;
+    QString m_shownPath; // the file whose picture ImgEgg holds
+};

@@ -1,0 +1,277 @@
+#include "viewer/frmMain.h"
+
+#include "core/AppState.h"
+#include "core/MessageCatalogue.h"
+#include "fullscreen/frmFull.h"
+#include "platform/MoviePlayer.h"
+#include "viewer/AnimationView.h"
+#include "viewer/PictureView.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QTimer>
+
+void frmMain::connectMovieHandlers()
+{
+    connect(mnuPlay, &QAction::triggered, this, &frmMain::mnuPlay_Click);
+    connect(mnuStop, &QAction::triggered, this, &frmMain::mnuStop_Click);
+    connect(mnuFullScreen, &QAction::triggered, this, &frmMain::mnuFullScreen_Click);
+    // Only the user's clicks: setting the box at start-up is no command.
+    connect(chkAnim, &QCheckBox::clicked, this, &frmMain::chkAnim_Click);
+    connect(mnuAnim, &QAction::triggered, this, &frmMain::mnuAnim_Click);
+    connect(ImgEgg, &PictureView::doubleClicked, this, &frmMain::ImgEgg_DblClick);
+    connect(MediaPlayer1, &MoviePlayer::mousePressed, this, &frmMain::MediaPlayer1_MouseDown);
+    connect(MediaPlayer1, &MoviePlayer::mouseMoved, this, &frmMain::MediaPlayer1_MouseMove);
+    connect(MediaPlayer1, &MoviePlayer::mouseReleased, this, &frmMain::MediaPlayer1_MouseUp);
+    connect(MediaPlayer1, &MoviePlayer::keyPressed, this, &frmMain::MediaPlayer1_KeyPress);
+    connect(MediaPlayer1, &MoviePlayer::PlayStateChange, this, &frmMain::MediaPlayer1_PlayStateChange);
+    connect(MediaPlayer1, &MoviePlayer::displaySizeChanged, this, &frmMain::MediaPlayer1_DisplaySizeChange);
+}
+
+frmFull *frmMain::fullView() const { return m_fullView; }
+
+void frmMain::mnuPlay_Click()
+{
+    if (MediaPlayer1->PlayState() != MoviePlayer::Playing)
+        MediaPlayer1->Play();
+    else
+        MediaPlayer1->Pause();
+    mnuStop->setEnabled(true);
+}
+
+void frmMain::mnuStop_Click()
+{
+    MediaPlayer1->Stop();
+    MediaPlayer1->setCurrentPosition(0);
+    mnuPlay->setEnabled(true);
+    mnuStop->setEnabled(false);
+}
+
+// The main window and, when it is open, the index window go away together
+// while a full-screen view is up.
+void frmMain::setMainWindowsVisible(bool visible)
+{
+    setVisible(visible);
+    if (visible) {
+        raise();
+        activateWindow();
+    }
+    if (m_state.IndexShown && onIndexVisibility)
+        onIndexVisibility(visible);
+}
+
+void frmMain::mnuFullScreen_Click()
+{
+    if (m_state.CropSelectionActive)
+        ClearCropSelection();
+    if (m_state.CurrentFileName.isEmpty())
+        return;
+    if (!m_state.MainMovieLoaded) {
+        if (MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen) {
+            // Paged from a full-screen movie: the player goes back quietly,
+            // the picture takes over the screen.
+            const QSignalBlocker quiet(MediaPlayer1);
+            MediaPlayer1->setDisplaySize(m_savedDisplaySize);
+        }
+        if (m_state.FullScreenActive)
+            setMainWindowsVisible(false);
+        m_state.FullScreenActive = true;
+        if (!m_fullView || !m_state.FullViewLoaded) { // a closed one is only waiting to be deleted
+            m_fullView = new frmFull(m_state, *this);
+            if (onFullViewLoaded)
+                onFullViewLoaded(*m_fullView);
+            m_fullView->Form_Load();
+        }
+        m_fullView->MostraFullImage();
+        m_fullView->show();
+        m_fullView->raise();
+        m_fullView->activateWindow();
+        return;
+    }
+
+    m_state.FullScreenActive = true;
+    m_savedMoviePosition = MediaPlayer1->CurrentPosition();
+    // The player keeps its file, state and position across display sizes; a
+    // file that failed to open gets another try.
+    if (!MediaPlayer1->hasEngine())
+        MediaPlayer1->setFileName(m_state.currentPath());
+    if (MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen) {
+        setMainWindowsVisible(true);
+        QCoreApplication::processEvents();
+        MediaPlayer1->setDisplaySize(m_savedDisplaySize);
+    } else {
+        setMainWindowsVisible(false);
+        m_savedDisplaySize = MediaPlayer1->DisplaySize();
+        MediaPlayer1->setControlBarShown(true);
+        MediaPlayer1->setDisplaySize(MoviePlayer::FullScreen);
+        QCoreApplication::processEvents();
+    }
+    if (m_fullView)
+        m_fullView->hidePresenters();
+}
+
+// Every way out of the player's full screen (its menu, a key, closing it,
+// a double click, or this window's command) ends here.
+void frmMain::MediaPlayer1_DisplaySizeChange(int displaySize)
+{
+    if (displaySize == MoviePlayer::FullScreen)
+        return;
+    m_state.FullScreenActive = false;
+    if (m_state.ProgramClosing)
+        return;
+    if (!isVisible())
+        setMainWindowsVisible(true);
+    if (m_fullView)
+        m_fullView->close();
+    Centra_Image(MediaPlayer1);
+    cmdTrucco->setFocus();
+}
+
+void frmMain::ImgEgg_DblClick()
+{
+    if (!m_state.MainMovieLoaded && !m_state.IndexLoading)
+        mnuFullScreen_Click();
+}
+
+void frmMain::MediaPlayer1_MouseDown(QMouseEvent *event)
+{
+    if (m_state.CurrentFileName.isEmpty() || MediaPlayer1->FileName().isEmpty())
+        return;
+    const QPointF at(m_twips.fromPixelsX(event->position().x()), m_twips.fromPixelsY(event->position().y()));
+    if (event->type() == QEvent::MouseButtonDblClick) {
+        // Full screen goes through the window's command, which hides and
+        // shows the windows with it.
+        event->accept();
+        if (event->button() == Qt::LeftButton && !m_state.CropSelectionActive)
+            mnuFullScreen_Click();
+        return;
+    }
+    if (event->button() == Qt::LeftButton && m_state.CropSelectionActive) {
+        event->accept();
+        if (MediaPlayer1->PlayState() == MoviePlayer::Playing)
+            MediaPlayer1->Stop();
+        MediaPlayer1->setContextMenuEnabled(false);
+        MediaPlayer1->setVideoCursor(Qt::CrossCursor);
+        Clip_Punto_Inizio(MediaPlayer1, at);
+        return;
+    }
+    if (event->button() != Qt::RightButton)
+        return;
+    event->accept(); // the window's menu replaces the player's own, always
+    TimerImage->stop();
+    if (m_state.IndexLoading)
+        return;
+    if (m_state.CropSelectionActive) {
+        SFCrop->popup(event->globalPosition().toPoint());
+        return;
+    }
+    showMoviePopup(event->globalPosition().toPoint());
+}
+
+// The file menu over a movie: in full screen only what makes sense there.
+void frmMain::showMoviePopup(QPoint globalPosition)
+{
+    for (QAction *item : {mnuPlay, mnuStop, mnuSepp, mnuGrab})
+        item->setVisible(true);
+    mnuAnim->setVisible(false);
+    mnuSepGif->setVisible(false);
+    unsetCursor();
+    const int state = MediaPlayer1->PlayState();
+    mnuPlay->setEnabled(true);
+    mnuStop->setEnabled(state == MoviePlayer::Playing || state == MoviePlayer::Paused);
+    m_state.FullScreenActive = MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen;
+    mnuFullScreen->setText(m_state.FullScreenActive ? m_state.messages.GetMsg(703, QStringLiteral("Restore"))
+                                                    : m_state.messages.GetMsg(829, QStringLiteral("Full Screen")));
+    for (QAction *item : {mnuSave, mnuPrint, mnuClipboard, mnusepX, mnuGrab, mnuWall, mnuRemoveWall, mnuMove, mnusep,
+                          mnuGlobal, mnusep99, SFRename, SFDelete, SFInfo, mnusepw, mnufit, mnuFull})
+        item->setVisible(!m_state.FullScreenActive);
+    mnuZoom->menuAction()->setVisible(!m_state.FullScreenActive);
+    for (QAction *item : {mnuFullScreen, mnufit, mnuFull})
+        item->setEnabled(true);
+    mnuZoom->setEnabled(true);
+    SFPOPUP->setDefaultAction(mnuFullScreen);
+    SFPOPUP->popup(globalPosition);
+}
+
+void frmMain::MediaPlayer1_MouseMove(QMouseEvent *event)
+{
+    if (m_state.CropSelectionActive && m_selectionDragging)
+        moveSelectionCorner(MediaPlayer1, {m_twips.fromPixelsX(event->position().x()),
+                                           m_twips.fromPixelsY(event->position().y())});
+}
+
+void frmMain::MediaPlayer1_MouseUp(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton && m_state.CropSelectionActive)
+        Clip_Punto_Fine(MediaPlayer1, {m_twips.fromPixelsX(event->position().x()),
+                                       m_twips.fromPixelsY(event->position().y())});
+}
+
+// The player itself has left full screen on any key but space; the
+// full-screen picture window, if it was beneath, goes too.
+void frmMain::MediaPlayer1_KeyPress(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Space || !m_fullView)
+        return;
+    setMainWindowsVisible(true);
+    m_fullView->close();
+}
+
+void frmMain::MediaPlayer1_PlayStateChange(int, int newState)
+{
+    if (newState == MoviePlayer::Playing && onMainMoviePlaying)
+        onMainMoviePlaying(MediaPlayer1->FileName());
+}
+
+void frmMain::mnuAnim_Click() { chkAnim->click(); }
+
+void frmMain::chkAnim_Click()
+{
+    if (m_state.CropSelectionActive)
+        ClearCropSelection();
+    if (!chkAnim->isChecked()) {
+        m_state.AnimateGifs = false;
+        WebBrowser1->hide();
+        if (!ImgEgg->isEmpty())
+            ImgEgg->show();
+        if (m_fullView)
+            m_fullView->MostraFullImage();
+        return;
+    }
+    m_state.AnimateGifs = true;
+    if (m_state.FileTypeCode == u"GIF") {
+        if (WebBrowser1->location() != m_state.currentPath())
+            WebBrowser1->Navigate(m_state.currentPath());
+        ImgEgg->hide();
+        WebBrowser1->show();
+        WebBrowser1->raise();
+    }
+    if (!m_state.FullScreenActive) {
+        show();
+        raise();
+    } else if (m_fullView) {
+        m_fullView->MostraFullImage();
+    }
+}
+
+// A GIF goes to the animation view as well; which of the two is seen
+// follows chkAnim.
+void frmMain::showAnimation(const QString &path)
+{
+    WebBrowser1->Navigate(path);
+    m_state.AnimateGifs = chkAnim->isChecked();
+    if (m_state.FullScreenActive)
+        return;
+    const bool animate = m_state.AnimateGifs && !WebBrowser1->isEmpty();
+    WebBrowser1->setVisible(animate);
+    if (animate) {
+        WebBrowser1->raise();
+        ImgEgg->hide();
+    }
+}

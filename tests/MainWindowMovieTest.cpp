@@ -1,0 +1,392 @@
+#include "support/MainWindowFixture.h"
+#include "support/TestClips.h"
+
+#include "platform/MoviePlayer.h"
+#include "viewer/AnimationView.h"
+
+#include <QAction>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFrame>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QSet>
+#include <QTest>
+#include <QTimer>
+
+namespace {
+
+constexpr int OpenTimeoutMs = 8000;
+
+// A folder with a picture and a copy of the AVI test clip; the window starts
+// on the picture with auto-play as asked.
+struct MovieWindow {
+    explicit MovieWindow(bool autoPlay = false)
+    {
+        folder = fixture.makeFolder("movies");
+        fixture.makeFiles(folder, {"a.bmp"});
+        fixture.settings().write("UserDef", "Language", "EN");
+        const QString clip = TestClips::clip("avi");
+        if (!clip.isEmpty())
+            QFile::copy(clip, folder + "/m.avi");
+        frmMain &window = fixture.start(folder + "/a.bmp");
+        window.ChkAuto->setChecked(autoPlay);
+    }
+    frmMain &window() { return fixture.window(); }
+    MoviePlayer &player() { return *fixture.window().MediaPlayer1; }
+    bool showMovie()
+    {
+        window().Mostra_Image(false, "m.avi");
+        return QTest::qWaitFor([&] { return player().PlayState() != MoviePlayer::Closed; }, OpenTimeoutMs);
+    }
+    // Paused at about that position, the seek done.
+    bool pauseAt(double seconds)
+    {
+        player().Pause();
+        player().setCurrentPosition(seconds);
+        return QTest::qWaitFor([&] { return player().PlayState() == MoviePlayer::Paused; }, OpenTimeoutMs);
+    }
+
+    MainWindowFixture fixture;
+    QString folder;
+};
+
+void mouse(QWidget *target, QEvent::Type type, Qt::MouseButton button, QPoint at,
+           void (frmMain::*handler)(QMouseEvent *), frmMain &window)
+{
+    QMouseEvent event(type, at, target->mapToGlobal(at), button, button, Qt::NoModifier);
+    (window.*handler)(&event);
+}
+
+#define REQUIRE_FFMPEG()                                                                                           \
+    if (!TestClips::ffmpegAvailable())                                                                             \
+    GTEST_SKIP() << "ffmpeg is not installed: no test clips"
+
+} // namespace
+
+// ---------------------------------------------------------------- opening
+
+class MainWindowAutoPlay : public ::testing::TestWithParam<bool> {};
+
+TEST_P(MainWindowAutoPlay, OpensPlayingOrStoppedOnItsFirstFrame)
+{
+    REQUIRE_FFMPEG();
+    MovieWindow movies(GetParam());
+    ASSERT_TRUE(movies.showMovie());
+    const int expected = GetParam() ? MoviePlayer::Playing : MoviePlayer::Stopped;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return movies.player().PlayState() == expected; }, OpenTimeoutMs));
+    EXPECT_TRUE(movies.fixture.state->MainMovieLoaded);
+    EXPECT_TRUE(movies.player().isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return TestClips::showsColourBars(movies.player().currentFrame()); },
+                                OpenTimeoutMs));
+}
+
+INSTANTIATE_TEST_SUITE_P(OnAndOff, MainWindowAutoPlay, ::testing::Bool());
+
+TEST(MainWindowMovie, PlayPauseAndStopFromTheMenu)
+{
+    REQUIRE_FFMPEG();
+    MovieWindow movies;
+    frmMain &window = movies.window();
+    QStringList playingReported; // what the index would pause
+    window.onMainMoviePlaying = [&](const QString &path) { playingReported.append(path); };
+    ASSERT_TRUE(movies.showMovie());
+    window.mnuPlay->trigger();
+    EXPECT_EQ(movies.player().PlayState(), MoviePlayer::Playing);
+    EXPECT_EQ(playingReported, QStringList{movies.folder + "/m.avi"});
+    EXPECT_TRUE(window.mnuStop->isEnabled());
+    window.mnuPlay->trigger(); // the item toggles
+    EXPECT_EQ(movies.player().PlayState(), MoviePlayer::Paused);
+    window.mnuStop->trigger();
+    EXPECT_EQ(movies.player().PlayState(), MoviePlayer::Stopped);
+    EXPECT_EQ(movies.player().CurrentPosition(), 0);
+    EXPECT_FALSE(window.mnuStop->isEnabled());
+    EXPECT_TRUE(window.mnuPlay->isEnabled());
+}
+
+TEST(MainWindowMovie, RefreshContinuesWhereTheMovieWas)
+{
+    REQUIRE_FFMPEG();
+    MovieWindow movies;
+    ASSERT_TRUE(movies.showMovie());
+    ASSERT_TRUE(movies.pauseAt(0.8));
+    movies.window().cmdRefr_Click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return movies.player().PlayState() != MoviePlayer::Closed; }, OpenTimeoutMs));
+    EXPECT_NEAR(movies.player().CurrentPosition(), 0.8, 0.15);
+    // A plain change of file starts from the beginning.
+    movies.window().Mostra_Image(false, "a.bmp");
+    movies.window().Mostra_Image(false, "m.avi");
+    EXPECT_EQ(movies.player().CurrentPosition(), 0);
+}
+
+TEST(MainWindowMovie, MovieDeletedAfterTheListWasReadIsNotOpened)
+{
+    MovieWindow movies;
+    movies.fixture.makeFiles(movies.folder, {"gone.avi"});
+    movies.window().cmdRefr_Click();
+    ASSERT_TRUE(QFile::remove(movies.folder + "/gone.avi"));
+    movies.window().ChkCicle->setChecked(true);
+    movies.window().Mostra_Image(false, "gone.avi");
+    EXPECT_TRUE(movies.fixture.state->MainMovieLoaded);
+    EXPECT_TRUE(movies.player().FileName().isEmpty());
+    EXPECT_FALSE(movies.player().hasEngine());
+    EXPECT_FALSE(movies.window().TimerImage->isActive()) << "the slideshow stops at a vanished movie";
+    EXPECT_TRUE(movies.fixture.prompts.asked.isEmpty());
+}
+
+TEST(MainWindowMovie, CorruptOrTruncatedMovieLeavesThePlayerEmptyQuietly)
+{
+    MovieWindow movies(true);
+    QFile garbage(movies.folder + "/bad.avi");
+    ASSERT_TRUE(garbage.open(QIODevice::WriteOnly));
+    garbage.write(QByteArray("RIFF\x10\0\0\0AVI LIST", 16) + QByteArray(4000, '\x5a'));
+    garbage.close();
+    const QString clip = TestClips::clip("mpg");
+    if (!clip.isEmpty()) {
+        QFile whole(clip);
+        ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+        QFile cut(movies.folder + "/cut.mpg");
+        ASSERT_TRUE(cut.open(QIODevice::WriteOnly));
+        cut.write(whole.read(600)); // not even one frame
+    }
+    movies.window().cmdRefr_Click();
+    for (const char *name : {"bad.avi", "cut.mpg"}) {
+        if (!QFile::exists(movies.folder + "/" + name))
+            continue;
+        QElapsedTimer timer;
+        timer.start();
+        movies.window().Mostra_Image(false, name);
+        EXPECT_LT(timer.elapsed(), 3000) << name << ": showing must not wait for the file";
+        // Refused, or opened with nothing to play and at its end at once.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !movies.player().hasEngine()
+                                                 || movies.player().PlayState() == MoviePlayer::Paused; },
+                                    OpenTimeoutMs))
+            << name;
+        EXPECT_FALSE(TestClips::showsColourBars(movies.player().currentFrame())) << name;
+    }
+    EXPECT_TRUE(movies.fixture.prompts.asked.isEmpty());
+}
+
+// ---------------------------------------------------------------- full screen
+
+struct FullScreenCase {
+    const char *name;
+    int state; // Playing, Paused or Stopped before going full screen
+};
+
+class MainWindowMovieFullScreen : public ::testing::TestWithParam<FullScreenCase> {};
+
+TEST_P(MainWindowMovieFullScreen, KeepsStateAndPositionThereAndBack)
+{
+    REQUIRE_FFMPEG();
+    MovieWindow movies;
+    frmMain &window = movies.window();
+    MoviePlayer &player = movies.player();
+    ASSERT_TRUE(movies.showMovie());
+    ASSERT_TRUE(movies.pauseAt(0.5));
+    if (GetParam().state == MoviePlayer::Stopped)
+        window.mnuStop_Click();
+    else if (GetParam().state == MoviePlayer::Playing)
+        window.mnuPlay_Click();
+    const double before = player.CurrentPosition();
+
+    window.mnuFullScreen_Click();
+    EXPECT_EQ(player.DisplaySize(), MoviePlayer::FullScreen);
+    EXPECT_TRUE(movies.fixture.state->FullScreenActive);
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_TRUE(player.isVisible());
+    EXPECT_TRUE(player.isFullScreen());
+
+    // A key other than space brings everything back.
+    QTest::keyClick(&player, Qt::Key_Escape);
+    EXPECT_NE(player.DisplaySize(), MoviePlayer::FullScreen);
+    EXPECT_FALSE(movies.fixture.state->FullScreenActive);
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(player.parentWidget(), &window);
+    EXPECT_FALSE(player.isWindow());
+    if (GetParam().state == MoviePlayer::Playing) {
+        EXPECT_NE(player.PlayState(), MoviePlayer::Stopped);
+        EXPECT_GE(player.CurrentPosition(), before);
+    } else {
+        EXPECT_EQ(player.PlayState(), GetParam().state);
+        EXPECT_NEAR(player.CurrentPosition(), before, 0.05);
+    }
+    EXPECT_TRUE(QTest::qWaitFor([&] { return TestClips::showsColourBars(player.currentFrame()); }, 3000));
+}
+
+INSTANTIATE_TEST_SUITE_P(States, MainWindowMovieFullScreen,
+                         ::testing::Values(FullScreenCase{"Playing", MoviePlayer::Playing},
+                                           FullScreenCase{"Paused", MoviePlayer::Paused},
+                                           FullScreenCase{"Stopped", MoviePlayer::Stopped}),
+                         [](const auto &info) { return std::string(info.param.name); });
+
+TEST(MainWindowMovie, SpaceInFullScreenPlaysAndPausesAndStaysThere)
+{
+    REQUIRE_FFMPEG();
+    MovieWindow movies;
+    ASSERT_TRUE(movies.showMovie());
+    movies.window().mnuFullScreen_Click();
+    QTest::keyClick(&movies.player(), Qt::Key_Space);
+    EXPECT_EQ(movies.player().DisplaySize(), MoviePlayer::FullScreen);
+    EXPECT_EQ(movies.player().PlayState(), MoviePlayer::Playing);
+    // The menu command goes back, too.
+    movies.window().mnuFullScreen_Click();
+    EXPECT_NE(movies.player().DisplaySize(), MoviePlayer::FullScreen);
+    EXPECT_TRUE(movies.window().isVisible());
+}
+
+TEST(MainWindowMovie, PopupIsBuiltForTheDisplaySize)
+{
+    REQUIRE_FFMPEG();
+    MovieWindow movies;
+    frmMain &window = movies.window();
+    MoviePlayer &player = movies.player();
+    const auto rightPress = [&] {
+        mouse(&player, QEvent::MouseButtonPress, Qt::RightButton, {30, 30}, &frmMain::MediaPlayer1_MouseDown,
+              window);
+    };
+    // No file in the player: no menu.
+    rightPress();
+    EXPECT_FALSE(window.SFPOPUP->isVisible());
+
+    ASSERT_TRUE(movies.showMovie());
+    const QList<QAction *> windowedOnly{window.mnuSave, window.mnuPrint, window.mnuGrab, window.mnuWall,
+                                        window.SFDelete, window.mnufit, window.mnuZoom->menuAction()};
+    rightPress();
+    ASSERT_TRUE(window.SFPOPUP->isVisible());
+    EXPECT_EQ(window.SFPOPUP->defaultAction(), window.mnuFullScreen);
+    EXPECT_EQ(window.mnuFullScreen->text(), "Full Screen");
+    EXPECT_TRUE(window.mnuPlay->isVisible());
+    EXPECT_FALSE(window.mnuAnim->isVisible());
+    EXPECT_FALSE(window.mnuStop->isEnabled()) << "stopped: nothing to stop";
+    for (QAction *item : windowedOnly)
+        EXPECT_TRUE(item->isVisible()) << item->objectName().toStdString();
+    window.SFPOPUP->hide();
+
+    window.mnuFullScreen_Click();
+    window.mnuPlay_Click();
+    rightPress();
+    ASSERT_TRUE(window.SFPOPUP->isVisible());
+    EXPECT_EQ(window.mnuFullScreen->text(), "Restore");
+    EXPECT_TRUE(window.mnuStop->isEnabled());
+    for (QAction *item : windowedOnly)
+        EXPECT_FALSE(item->isVisible()) << item->objectName().toStdString();
+    window.SFPOPUP->hide();
+    window.mnuFullScreen->trigger();
+    EXPECT_NE(player.DisplaySize(), MoviePlayer::FullScreen);
+
+    // Over a crop rectangle the crop menu comes instead.
+    window.cmdRitaglia_Click();
+    rightPress();
+    EXPECT_FALSE(window.SFPOPUP->isVisible());
+    EXPECT_TRUE(window.SFCrop->isVisible());
+    window.SFCrop->hide();
+}
+
+TEST(MainWindowMovie, CropRectangleOverAMovieStopsItAndFreesThePlayerAfter)
+{
+    REQUIRE_FFMPEG();
+    MovieWindow movies(true);
+    frmMain &window = movies.window();
+    MoviePlayer &player = movies.player();
+    ASSERT_TRUE(movies.showMovie());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return player.PlayState() == MoviePlayer::Playing; }, OpenTimeoutMs));
+    window.cmdRitaglia_Click();
+    mouse(&player, QEvent::MouseButtonPress, Qt::LeftButton, {10, 10}, &frmMain::MediaPlayer1_MouseDown, window);
+    EXPECT_EQ(player.PlayState(), MoviePlayer::Stopped);
+    EXPECT_FALSE(player.contextMenuEnabled());
+    EXPECT_EQ(player.videoCursor(), Qt::CrossCursor);
+    mouse(&player, QEvent::MouseMove, Qt::NoButton, {90, 70}, &frmMain::MediaPlayer1_MouseMove, window);
+    mouse(&player, QEvent::MouseButtonRelease, Qt::LeftButton, {90, 70}, &frmMain::MediaPlayer1_MouseUp, window);
+    EXPECT_TRUE(movies.fixture.state->CropSelectionActive);
+    EXPECT_TRUE(window.LabMis->isVisible());
+    EXPECT_TRUE(window.SelLines[1]->isVisible());
+    EXPECT_NEAR(window.SelLines[1]->width(), 80, 2);
+    window.ClearCropSelection();
+    EXPECT_TRUE(player.contextMenuEnabled());
+    EXPECT_EQ(player.videoCursor(), Qt::ArrowCursor);
+}
+
+// ---------------------------------------------------------------- GIF switch
+
+TEST(MainWindowAnimation, CheckBoxSwitchesBetweenAnimationAndStillPicture)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("gifs");
+    fixture.makeFiles(folder, {"a.jpg"});
+    ASSERT_TRUE(QFile::copy(VIMORA_BUILT_DATA_DIR "/sample-animation.gif", folder + "/moving.gif"));
+    fixture.settings().write("UserDef", "Language", "EN");
+    fixture.settings().write("UserDef", "swAnim", "0");
+    frmMain &window = fixture.start(folder + "/a.jpg");
+    window.chkAnim->setChecked(false);
+    fixture.state->AnimateGifs = false;
+
+    // Ticking it over a JPEG changes nothing that shows.
+    window.chkAnim->click();
+    EXPECT_TRUE(fixture.state->AnimateGifs);
+    EXPECT_TRUE(window.ImgEgg->isVisible());
+    EXPECT_FALSE(window.WebBrowser1->isVisible());
+
+    window.Mostra_Image(false, "moving.gif");
+    EXPECT_TRUE(window.WebBrowser1->isVisible());
+    EXPECT_FALSE(window.ImgEgg->isVisible());
+    ASSERT_GT(window.WebBrowser1->frameCount(), 1);
+    const int first = window.WebBrowser1->currentFrame();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.WebBrowser1->currentFrame() != first; }, 3000))
+        << "the animation runs";
+
+    window.mnuAnim->trigger(); // flips the box
+    EXPECT_FALSE(window.chkAnim->isChecked());
+    EXPECT_FALSE(fixture.state->AnimateGifs);
+    EXPECT_FALSE(window.WebBrowser1->isVisible());
+    EXPECT_TRUE(window.ImgEgg->isVisible());
+
+    window.chkAnim->click();
+    EXPECT_TRUE(window.WebBrowser1->isVisible());
+    EXPECT_FALSE(window.ImgEgg->isVisible());
+
+    // Another file empties the animation view.
+    window.Mostra_Image(false, "a.jpg");
+    EXPECT_FALSE(window.WebBrowser1->isVisible());
+    EXPECT_TRUE(window.WebBrowser1->isEmpty());
+}
+
+// ---------------------------------------------------------------- corpus
+
+namespace {
+// Several colours: a real frame, not a black or flat one.
+bool notBlank(const QImage &image)
+{
+    QSet<QRgb> colours;
+    for (int y = 0; y < image.height(); y += 4)
+        for (int x = 0; x < image.width(); x += 4)
+            colours.insert(image.pixel(x, y));
+    return colours.size() > 8;
+}
+} // namespace
+
+class MainWindowCorpusMovie : public ::testing::TestWithParam<const char *> {};
+
+// Shown by full path, as a drop or the command line does: the MPEG
+// elementary stream (.m1v) plays like the rest.
+TEST_P(MainWindowCorpusMovie, PlaysAndShowsAFrame)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("start");
+    fixture.makeFiles(folder, {"a.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/a.bmp");
+    window.ChkAuto->setChecked(true);
+    window.Mostra_Image(false, QStringLiteral(VIMORA_CORPUS_DIR "/") + GetParam(), true);
+    EXPECT_TRUE(fixture.state->MainMovieLoaded);
+    MoviePlayer &player = *window.MediaPlayer1;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return player.PlayState() == MoviePlayer::Playing; }, OpenTimeoutMs));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return notBlank(player.currentFrame()); }, OpenTimeoutMs));
+    EXPECT_TRUE(fixture.prompts.asked.isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, MainWindowCorpusMovie,
+                         ::testing::Values("vp8-test-vectors/vp80-00-comprehensive-001.ivf",
+                                           "go-mediainfo-samples/sample.avi", "go-mediainfo-samples/sample.mpg",
+                                           "mediainfo-js/test-sample-320x240-29.970fps-14.014s.m1v",
+                                           "totem-pl-parser/asf-with-asx-suffix.asx"));
