@@ -2,6 +2,7 @@
 #include "support/TestClips.h"
 
 #include "fullscreen/FullViewRules.h"
+#include "files/frmList.h"
 #include "fullscreen/frmFull.h"
 #include "platform/MoviePlayer.h"
 #include "viewer/AnimationView.h"
@@ -187,39 +188,32 @@ TEST(FullScreenView, ZoomItemClosesAndZoomsInTheMainWindow)
     EXPECT_EQ(full.window().ImgEgg->size(), QSize(640, 480));
 }
 
-TEST(FullScreenView, PopupItemsOfOtherFeaturesWaitForTheirHooks)
+TEST(FullScreenView, PopupRunsTheMainWindowsCommandsOnTheFileShown)
 {
     FullWindow full;
-    frmFull *view = full.open();
-    ASSERT_NE(view, nullptr);
-    const auto rightPress = [&] {
-        QTest::mousePress(view->ImgEgg, Qt::RightButton, {}, {4, 4});
-        EXPECT_TRUE(view->SFPOPUP->isVisible());
-        view->SFPOPUP->hide();
-    };
-    rightPress();
+    QPointer<frmFull> view = full.open();
+    ASSERT_TRUE(view);
+    QTest::mousePress(view->ImgEgg, Qt::RightButton, {}, {4, 4});
+    ASSERT_TRUE(view->SFPOPUP->isVisible());
+    view->SFPOPUP->hide();
     EXPECT_EQ(view->SFPOPUP->defaultAction(), view->mnuNormal);
     EXPECT_FALSE(view->mnuPlay->isVisible()) << "a picture: no player items";
     EXPECT_FALSE(view->mnuAnim->isVisible());
-    for (QAction *item : {view->mnuAdd, view->mnuRemove, view->mnuShellOpen, view->mnuShellEdit, view->mnuPrint,
-                          view->mnuSave, view->mnuWall, view->mnuRemoveWall})
-        EXPECT_FALSE(item->isEnabled()) << item->objectName().toStdString();
-
-    // Wired the way the lead does: each new window gets its hooks.
-    int added = 0;
-    view->close();
-    full.window().onFullViewLoaded = [&](frmFull &made) {
-        made.onAddToFavourites = [&] { ++added; };
-        made.onSave = [&] { ++added; };
-    };
-    view = full.open();
-    ASSERT_NE(view, nullptr);
-    rightPress();
-    EXPECT_TRUE(view->mnuAdd->isEnabled());
-    EXPECT_TRUE(view->mnuSave->isEnabled());
-    view->mnuAdd->trigger();
-    view->mnuSave->trigger();
-    EXPECT_EQ(added, 2);
+    for (QAction *item : {view->mnuAdd, view->mnuRemove, view->mnuPrint, view->mnuSave, view->mnuWall,
+                          view->mnuRemoveWall})
+        EXPECT_TRUE(item->isEnabled()) << item->objectName().toStdString();
     EXPECT_EQ(view->mnuAdd->text(), "Add to list");
     EXPECT_EQ(view->mnuNormal->text(), "Restore");
+
+    const QString shown = full.folder + "/a.bmp";
+    view->mnuAdd->trigger();
+    EXPECT_TRUE(full.window().favourites().entries().contains(shown));
+    view->mnuRemove->trigger();
+    EXPECT_FALSE(full.window().favourites().entries().contains(shown));
+
+    full.fixture.launcher.started.clear();
+    view->mnuShellOpen->trigger();
+    ASSERT_FALSE(full.fixture.launcher.started.isEmpty());
+    EXPECT_TRUE(full.fixture.launcher.started.last().second.contains(shown));
+    EXPECT_TRUE(view->isVisible()) << "these commands keep the view up";
 }

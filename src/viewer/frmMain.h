@@ -226,16 +226,11 @@ public:
     void MediaPlayer1_MouseMove(QMouseEvent *event);
     void MediaPlayer1_MouseUp(QMouseEvent *event);
     void MediaPlayer1_KeyPress(QKeyEvent *event);
-    void MediaPlayer1_PlayStateChange(int oldState, int newState);
     frmFull *fullView() const; // null unless loaded
     // Hides or shows this window and the index window with it.
     void setMainWindowsVisible(bool visible);
-    // Wired by the thumbnail index: a movie that starts playing here pauses
-    // the index cells playing the same path; the index window follows the
-    // main window when full screen hides and shows it.
-    std::function<void(const QString &path)> onMainMoviePlaying;
-    std::function<void(bool visible)> onIndexVisibility;
-    // Called each time the full-screen window is made, to wire its hooks.
+    // Called each time the full-screen window is made, after its commands
+    // are wired; tests use it to watch them.
     std::function<void(frmFull &view)> onFullViewLoaded;
 
 signals:
@@ -364,6 +359,7 @@ private:
 
     // Thumbnail index (frmMainIndex.cpp).
     void connectIndex();
+    void connectFullViewCommands(frmFull &view);
     void unloadIndex();
     void applyLanguageToIndex();
     frmIndex *m_index = nullptr;

@@ -3,6 +3,7 @@
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "fullscreen/frmFull.h"
+#include "index/frmIndex.h"
 #include "platform/MoviePlayer.h"
 #include "viewer/AnimationView.h"
 #include "viewer/PictureView.h"
@@ -30,7 +31,6 @@ void frmMain::connectMovieHandlers()
     connect(MediaPlayer1, &MoviePlayer::mouseMoved, this, &frmMain::MediaPlayer1_MouseMove);
     connect(MediaPlayer1, &MoviePlayer::mouseReleased, this, &frmMain::MediaPlayer1_MouseUp);
     connect(MediaPlayer1, &MoviePlayer::keyPressed, this, &frmMain::MediaPlayer1_KeyPress);
-    connect(MediaPlayer1, &MoviePlayer::PlayStateChange, this, &frmMain::MediaPlayer1_PlayStateChange);
     connect(MediaPlayer1, &MoviePlayer::displaySizeChanged, this, &frmMain::MediaPlayer1_DisplaySizeChange);
 }
 
@@ -62,8 +62,21 @@ void frmMain::setMainWindowsVisible(bool visible)
         raise();
         activateWindow();
     }
-    if (m_state.IndexShown && onIndexVisibility)
-        onIndexVisibility(visible);
+    if (m_state.IndexShown && indexWindow())
+        indexWindow()->setVisible(visible);
+}
+
+// The full-screen popup runs this window's own commands on the file it shows.
+void frmMain::connectFullViewCommands(frmFull &view)
+{
+    view.onAddToFavourites = [this] { mnuAdd_Click(); };
+    view.onRemoveFromFavourites = [this] { mnuRemove_Click(); };
+    view.onShellOpen = [this] { mnuShellOpen_Click(); };
+    view.onShellEdit = [this] { mnuShellEdit_Click(); };
+    view.onPrint = [this] { cmdPrint_Click(); };
+    view.onSave = [this] { cmdSave_Click(); };
+    view.onSetWallpaper = [this] { mnuWall_Click(); };
+    view.onRemoveWallpaper = [this] { mnuRemoveWall_Click(); };
 }
 
 void frmMain::mnuFullScreen_Click()
@@ -84,6 +97,7 @@ void frmMain::mnuFullScreen_Click()
         m_state.FullScreenActive = true;
         if (!m_fullView || !m_state.FullViewLoaded) { // a closed one is only waiting to be deleted
             m_fullView = new frmFull(m_state, *this);
+            connectFullViewCommands(*m_fullView);
             if (onFullViewLoaded)
                 onFullViewLoaded(*m_fullView);
             m_fullView->Form_Load();
@@ -221,12 +235,6 @@ void frmMain::MediaPlayer1_KeyPress(QKeyEvent *event)
         return;
     setMainWindowsVisible(true);
     m_fullView->close();
-}
-
-void frmMain::MediaPlayer1_PlayStateChange(int, int newState)
-{
-    if (newState == MoviePlayer::Playing && onMainMoviePlaying)
-        onMainMoviePlaying(MediaPlayer1->FileName());
 }
 
 void frmMain::mnuAnim_Click() { chkAnim->click(); }
