@@ -126,7 +126,7 @@ TEST_F(IndexCommands, ClipboardAndSaveCopyTakeTheSelectedFile)
 TEST_F(IndexCommands, ShellOpenLaunchesUnlessTheTypeIsLinkedToVimora)
 {
     fixture.settings().write("Linked", "JPG", "Y");
-    frmIndex &index = open({"a.jpg", "b.ico"}); // ICO: none of the guarded types
+    frmIndex &index = open({"a.jpg", "b.ico", "c.jpeg"}); // ICO, JPEG: none of the guarded types
     fixture.launcher.started.clear();
 
     select(index, "a.jpg");
@@ -134,6 +134,8 @@ TEST_F(IndexCommands, ShellOpenLaunchesUnlessTheTypeIsLinkedToVimora)
     index.onShellOpen(folder + "/a.jpg"); // the guard holds even when reached
     EXPECT_TRUE(fixture.launcher.started.isEmpty());
 
+    select(index, "c.jpeg");
+    EXPECT_TRUE(index.mnuShellOpen->isVisible()); // shown when the launch would go ahead
     select(index, "b.ico");
     EXPECT_TRUE(index.mnuShellOpen->isVisible());
     index.mnuShellOpen->trigger();
