@@ -121,6 +121,20 @@ TEST_F(IndexCommands, ClipboardAndSaveCopyTakeTheSelectedFile)
     EXPECT_TRUE(QFileInfo::exists(folder + "/Copy of b.bmp"));
     EXPECT_TRUE(labels(index).contains("Copy of b.bmp"));
     EXPECT_EQ(fixture.state->CurrentFileName, "a.bmp");
+
+    // Onto an existing file: one question, the copy's own; No keeps the file.
+    QFile existing(folder + "/a.bmp");
+    ASSERT_TRUE(existing.open(QIODevice::ReadOnly));
+    const QByteArray before = existing.readAll();
+    existing.close();
+    select(index, "b.bmp");
+    fixture.prompts.files = {folder + "/a.bmp"};
+    QTest::keyClick(&index, Qt::Key_C, Qt::AltModifier);
+    EXPECT_FALSE(fixture.prompts.fileRequests.last().confirmReplace);
+    ASSERT_EQ(fixture.prompts.asked.size(), 1);
+    EXPECT_TRUE(fixture.prompts.asked[0].text.contains("ALREADY EXISTING ... REPLACE ?"));
+    ASSERT_TRUE(existing.open(QIODevice::ReadOnly));
+    EXPECT_EQ(existing.readAll(), before);
 }
 
 TEST_F(IndexCommands, ShellOpenLaunchesUnlessTheTypeIsLinkedToVimora)

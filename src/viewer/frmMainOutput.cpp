@@ -138,6 +138,7 @@ void frmMain::saveCopyOf(const QString &source, const QString &title)
     clsCommonDialog dialog;
     dialog.setParent(this);
     dialog.CancelError = true;
+    dialog.CallerAsksBeforeReplacing = true; // CopyThisFile does
     dialog.InitDir = m_state.SaveFolder;
     dialog.Flags = 0;
     dialog.Filter = m_state.OpenFileFilter;
