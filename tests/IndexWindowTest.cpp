@@ -205,6 +205,8 @@ TEST(IndexWindow, CommandsOfOtherFeaturesReachTheirHooks)
     fixture.makeFiles(folder, {"a.bmp", "b.bmp", "c.ico"});
     frmMain &window = fixture.start(folder + "/a.bmp");
     frmIndex &index = openIndex(window);
+    index.onDelete = nullptr;
+    index.updateCommandStates();
     EXPECT_FALSE(index.SFDelete->isEnabled()) << "no hook, no command";
 
     QStringList calls;

@@ -76,7 +76,8 @@ public:
     std::function<bool(const QString &path)> onMove; // true when the file moved
     std::function<void()> onGlobal, onRemoveWallpaper, onVolume;
     std::function<bool(const QString &path)> isFavourite;
-    // Whether the user made Vimora the viewer of files of this type code.
+    // Whether the user made Vimora the viewer of files of this type (the
+    // extension's last letters, upper case, not normalised).
     std::function<bool(const QString &typeCode)> isAssociatedType;
     void updateCommandStates(); // call after setting hooks
 

@@ -6,6 +6,7 @@
 #include "core/LanguageChoice.h"
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
+#include "system/AssociationGroups.h"
 #include "viewer/frmMain.h"
 
 #include <QAction>
@@ -38,8 +39,9 @@ void frmIndex::selectCell(int index)
     mnuPlay->setVisible(cell.movie);
     mnuStop->setVisible(cell.movie);
     mnuSepp->setVisible(cell.movie);
-    // Opening with "the associated program" would only come back here.
-    mnuShellOpen->setVisible(!(isAssociatedType && isAssociatedType(type)));
+    // Opening with "the associated program" would only come back here. The
+    // type is the extension as written, as the launch's own guard takes it.
+    mnuShellOpen->setVisible(!(isAssociatedType && isAssociatedType(AssociationGroups::typeTextOfPath(cell.path))));
     mnuClipboard->setEnabled(bool(onClipboard) && type != u"ICO");
     mnuWall->setEnabled(bool(onWallpaper) && !cell.movie);
 }

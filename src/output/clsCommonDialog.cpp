@@ -92,6 +92,7 @@ bool clsCommonDialog::ShowOpen(Prompts &prompts)
     request.filterIndex = qMax(0, FilterIndex - 1);
     request.defaultSuffix = DefaultExt;
     request.mustExist = Flags & FileMustExist;
+    request.confirmReplace = !CallerAsksBeforeReplacing;
 
     const FileDialogAnswer answer = prompts.chooseFile(request);
     const QString chosen = OutputRules::StripNul(answer.path);

@@ -25,6 +25,7 @@ public:
     static constexpr std::int32_t BufferTooSmall = 0x3003;
 
     bool CancelError = false; // kept for callers; a cancel is only a false result
+    bool CallerAsksBeforeReplacing = false; // the dialog then does not ask too
     std::int32_t Flags = 0;
     QString DefaultExt;
     QString FileName;

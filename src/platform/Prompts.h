@@ -30,6 +30,7 @@ struct FileDialogRequest {
     int filterIndex = 0;     // 0-based, into filters
     QString defaultSuffix;
     bool mustExist = false;  // an existing file is opened; else a destination is chosen
+    bool confirmReplace = true; // false when the caller asks before it replaces a file
 };
 
 struct FileDialogAnswer {

@@ -23,6 +23,7 @@ class PictureView;
 class frmList;
 class Prompts;
 class clsCommonDialog;
+class VolumeControl;
 class QAction;
 class QImage;
 class QPrinter;
@@ -365,4 +366,16 @@ private:
     frmIndex *m_index = nullptr;
     frmList *m_favourites = nullptr;
     std::function<QString(const QRect &, const QString &)> m_renameBox;
+
+    // The index's commands on this window's features (frmMainIndexCommands.cpp);
+    // the file and output commands take any path, the index's selection too.
+    void wireIndexCommands(frmIndex *index);
+    QString shownPathOrNothing() const;
+    void renameFileAt(const QString &oldPath, const QRect &nameRect);
+    void deleteFileAt(const QString &path);
+    bool moveFileAway(const QString &path);
+    void saveCopyOf(const QString &source, const QString &title);
+    void printPicture(QWidget *owner, const std::function<QImage()> &picture, const QString &slides);
+    void setWallpaperFrom(const QString &path, bool bitmapFile, const std::function<QImage()> &picture);
+    std::shared_ptr<VolumeControl> m_volumeControl; // one mixer per run
 };

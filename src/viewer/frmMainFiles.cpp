@@ -27,10 +27,7 @@ public:
     explicit MainFavouritesHost(frmMain &main) : QObject(&main), m_main(main) {}
 
     QString shownFolder() const override { return m_main.m_state.CurrentFolder; }
-    QString shownPath() const override
-    {
-        return m_main.m_state.CurrentFileName.isEmpty() ? QString() : m_main.m_state.currentPath();
-    }
+    QString shownPath() const override { return m_main.shownPathOrNothing(); }
     QRect mainFrame() const override { return m_main.frameGeometry(); }
     void refreshFileList() override { m_main.cmdRefr_Click(); }
     void showFile(const QString &path) override { m_main.DropFile(path); }
@@ -135,18 +132,29 @@ void frmMain::mnuRemove_Click()
         m_state.MarkIndexThumbnail(path, false);
 }
 
+// "" when no file is on show, which the file commands take as missing.
+QString frmMain::shownPathOrNothing() const
+{
+    return m_state.CurrentFileName.isEmpty() ? QString() : m_state.currentPath();
+}
+
 void frmMain::SFRename_Click()
 {
     ClearCropSelection();
+    renameFileAt(shownPathOrNothing(), QRect(LabFil->mapToGlobal(QPoint(0, 0)),
+                                          QSize(qMax(LabFil->width(), 240), LabFil->fontMetrics().height() + 6)));
+}
+
+// The main window's rename, also for a file of the thumbnail index; the
+// box opens over nameRect.
+void frmMain::renameFileAt(const QString &oldPath, const QRect &nameRect)
+{
     stopSlideTimer();
-    const QString oldPath = m_state.currentPath();
-    if (m_state.CurrentFileName.isEmpty() || !IsExistingFile(oldPath)) {
+    if (!IsExistingFile(oldPath)) {
         restartSlideTimerIfOn();
         return;
     }
-    const QRect nameRect(LabFil->mapToGlobal(QPoint(0, 0)),
-                         QSize(qMax(LabFil->width(), 240), LabFil->fontMetrics().height() + 6));
-    const QString typed = m_renameBox(nameRect, m_state.CurrentFileName);
+    const QString typed = m_renameBox(nameRect, FileNameOfPath(oldPath));
     if (typed.isEmpty()) {
         restartSlideTimerIfOn();
         return;
@@ -162,6 +170,7 @@ void frmMain::SFRename_Click()
         MediaPlayer1->hide();
         QCoreApplication::processEvents();
     }
+    const bool wasOnShow = !m_state.CurrentFileName.isEmpty() && oldPath == m_state.currentPath();
     const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &path) {
         releasePlayers(path);
     });
@@ -171,8 +180,10 @@ void frmMain::SFRename_Click()
         m_favourites->replaceEntry(oldPath, newPath);
 
     const bool stays = QFileInfo(newPath).absolutePath() == m_state.CurrentFolder;
-    if (renamed)
-        m_state.CurrentFileName = stays ? QFileInfo(newPath).fileName() : nameShownAfterRemoving();
+    if (renamed && stays)
+        m_state.CurrentFileName = QFileInfo(newPath).fileName();
+    else if (renamed && wasOnShow)
+        m_state.CurrentFileName = nameShownAfterRemoving();
     cmdRefr_Click();
     if (movie && m_state.MainMovieLoaded && MediaPlayer1->FileName() == m_state.currentPath() && position > 0) {
         MediaPlayer1->setCurrentPosition(position);
@@ -184,22 +195,30 @@ void frmMain::SFRename_Click()
 void frmMain::SFDelete_Click()
 {
     ClearCropSelection();
+    deleteFileAt(shownPathOrNothing());
+}
+
+// The main window's delete, also for a file of the thumbnail index.
+void frmMain::deleteFileAt(const QString &path)
+{
     stopSlideTimer();
-    const QString path = m_state.currentPath();
-    if (!m_state.CurrentFileName.isEmpty() && IsExistingFile(path)) {
+    if (IsExistingFile(path)) {
         const bool movie = m_state.MainMovieLoaded && MediaPlayer1->FileName() == path;
         const double position = movie ? MediaPlayer1->CurrentPosition() : 0;
         const bool playing = movie && MediaPlayer1->PlayState() == MoviePlayer::Playing;
+        const bool wasOnShow = !m_state.CurrentFileName.isEmpty() && path == m_state.currentPath();
         const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &held) {
             releasePlayers(held);
         });
         if (FileCommands::deleteFile(path, context)) {
-            m_state.CurrentFileName = nameShownAfterRemoving();
             RemoveFromFavourites(path);
             if (m_state.MarkIndexThumbnail)
                 m_state.MarkIndexThumbnail(path, false);
-            clearDisplay();
-            hideStatusLabels();
+            if (wasOnShow) {
+                m_state.CurrentFileName = nameShownAfterRemoving();
+                clearDisplay();
+                hideStatusLabels();
+            }
             cmdRefr_Click();
         } else if (movie) {
             cmdRefr_Click();
@@ -233,17 +252,24 @@ void frmMain::mnuMove_Click()
     ClearCropSelection();
     stopSlideTimer();
     const QString path = m_state.currentPath();
-    if (!m_state.CurrentFileName.isEmpty()) {
-        const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &held) {
-            releasePlayers(held);
-        });
-        const QString moved = MoveFileToFolder(path, context);
-        if (moved != path) {
-            if (m_favourites)
-                m_favourites->replaceEntry(path, moved);
-            m_state.CurrentFileName = nameShownAfterRemoving();
-            cmdRefr_Click();
-        }
+    if (!m_state.CurrentFileName.isEmpty() && moveFileAway(path)) {
+        m_state.CurrentFileName = nameShownAfterRemoving();
+        cmdRefr_Click();
     }
     restartSlideTimerIfOn();
+}
+
+// Asks for a folder and moves the file there; the favourites follow it.
+// True when it moved.
+bool frmMain::moveFileAway(const QString &path)
+{
+    const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &held) {
+        releasePlayers(held);
+    });
+    const QString moved = MoveFileToFolder(path, context);
+    if (moved == path)
+        return false;
+    if (m_favourites)
+        m_favourites->replaceEntry(path, moved);
+    return true;
 }

@@ -10,6 +10,7 @@
 void frmMain::connectIndex()
 {
     connect(cmdIndex, &QToolButton::clicked, this, &frmMain::cmdIndex_Click);
+    connect(this, &frmMain::indexWindowCreated, this, &frmMain::wireIndexCommands);
     connect(this, &frmMain::listLoaded, this, [this] {
         if (m_index)
             m_index->followMainList();

@@ -2,6 +2,8 @@
 
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
+#include "files/FileOperations.h"
+#include "files/FilePaths.h"
 #include "output/OutputRules.h"
 #include "output/PictureOutput.h"
 #include "output/PrintCommand.h"
@@ -125,16 +127,24 @@ void frmMain::cmdSave_Click()
 {
     if (m_state.CurrentFileName.isEmpty())
         return;
+    saveCopyOf(m_state.currentPath(), m_state.messages.GetMsg(10109, QStringLiteral("Make a Copy of current file")));
+}
+
+// The copy of a file through the dialog, by the file commands' copy, which
+// asks before it replaces anything.
+void frmMain::saveCopyOf(const QString &source, const QString &title)
+{
     stopSlideTimer();
     clsCommonDialog dialog;
     dialog.setParent(this);
     dialog.CancelError = true;
+    dialog.CallerAsksBeforeReplacing = true; // CopyThisFile does
     dialog.InitDir = m_state.SaveFolder;
     dialog.Flags = 0;
     dialog.Filter = m_state.OpenFileFilter;
     dialog.FilterIndex = 1;
-    dialog.setDialogTitle(m_state.messages.GetMsg(10109, QStringLiteral("Make a Copy of current file")) + QLatin1Char(' '));
-    dialog.FileName = OutputRules::copyProposedName(m_state.SaveFolder, m_state.CurrentFolder, m_state.CurrentFileName,
+    dialog.setDialogTitle(title + QLatin1Char(' '));
+    dialog.FileName = OutputRules::copyProposedName(m_state.SaveFolder, m_state.CurrentFolder, FileNameOfPath(source),
                                                     m_state.messages.GetMsg(10121, QStringLiteral("Copy of")));
     if (!dialog.ShowOpen(m_prompts)) {
         reportDialogError(dialog);
@@ -142,18 +152,13 @@ void frmMain::cmdSave_Click()
         return;
     }
     const QString destination = dialog.FileName;
-    const QString source = m_state.currentPath();
     if (QFileInfo(destination) != QFileInfo(source)) {
         setWaitCursor(true);
-        QString why;
-        if (PictureOutput::copyFile(source, destination, &why)) {
+        const FileContext context{m_prompts, m_state.messages, {}, {}};
+        if (CopyThisFile(source, destination, context).done()) {
             m_state.SaveFolder = QFileInfo(destination).path();
             if (OutputRules::sameFolder(m_state.SaveFolder, m_state.CurrentFolder))
                 reloadAfterWrite(destination);
-        } else {
-            m_prompts.ask({m_state.messages.GetMsg(20803, QStringLiteral("The file could not be copied:")) + QLatin1Char('\n')
-                               + why,
-                           PromptButtons::Ok, PromptIcon::Critical});
         }
         setWaitCursor(false);
     }
@@ -374,16 +379,21 @@ void frmMain::printFromDialog(const std::function<QImage()> &picture)
     if (resume)
         MediaPlayer1->Pause();
     const QString slides = m_state.FileTypeCode == u"PPT" ? m_state.currentPath() : QString();
-    const PrintCommand::Result result =
-        PrintCommand::run(m_prompts, m_launcher, currentPrinter(), this, picture, slides);
+    printPicture(this, picture, slides);
+    if (resume)
+        MediaPlayer1->Play();
+    endOutputCommand(true);
+}
+
+// The print dialog and the copies; failures are said here.
+void frmMain::printPicture(QWidget *owner, const std::function<QImage()> &picture, const QString &slides)
+{
+    const PrintCommand::Result result = PrintCommand::run(m_prompts, m_launcher, currentPrinter(), owner, picture, slides);
     if (!result.dialogError.isEmpty())
         m_prompts.ask({result.dialogError, PromptButtons::Ok});
     if (result.outcome == PrintCommand::Outcome::Failed)
         m_prompts.ask({m_state.messages.GetMsg(20802, QStringLiteral("The picture could not be printed.")),
                        PromptButtons::Ok, PromptIcon::Critical});
-    if (resume)
-        MediaPlayer1->Play();
-    endOutputCommand(true);
 }
 
 void frmMain::cmdPrint_Click()
@@ -407,10 +417,16 @@ void frmMain::mnuWall_Click()
     if (m_state.CurrentFileName.isEmpty() || m_state.FileTypeCode == u"PPT")
         return;
     stopSlideTimer();
+    setWallpaperFrom(m_state.currentPath(), m_state.FileTypeCode == u"BMP", [this] { return currentPicture(); });
+    restartSlideTimerIfOn();
+}
+
+// A bitmap file is used as it is; anything else as the picture given.
+void frmMain::setWallpaperFrom(const QString &path, bool bitmapFile, const std::function<QImage()> &picture)
+{
     const QString desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP");
-    const Wallpaper::Outcome outcome = m_state.FileTypeCode == u"BMP"
-        ? Wallpaper::setFromBitmapFile(m_launcher, m_state.currentPath(), desktop)
-        : Wallpaper::setFromPicture(m_launcher, currentPicture(), desktop);
+    const Wallpaper::Outcome outcome = bitmapFile ? Wallpaper::setFromBitmapFile(m_launcher, path, desktop)
+                                                  : Wallpaper::setFromPicture(m_launcher, picture(), desktop);
     QCoreApplication::processEvents();
     if (outcome == Wallpaper::Outcome::NotWritten)
         m_prompts.ask({m_state.messages.GetMsg(20804, QStringLiteral("The picture could not be written to the file.")),
@@ -418,7 +434,6 @@ void frmMain::mnuWall_Click()
     else if (outcome == Wallpaper::Outcome::NoSetter)
         m_prompts.ask({m_state.messages.GetMsg(20800, QStringLiteral("No program to set the wallpaper was found for this desktop.")),
                        PromptButtons::Ok, PromptIcon::Exclamation});
-    restartSlideTimerIfOn();
 }
 
 void frmMain::mnuRemoveWall_Click()
