@@ -217,3 +217,31 @@ TEST(PlayerRelease, OnlyThePlayerHoldingThePathLetsGo)
     EXPECT_FALSE(state.KeepDisplay);
     EXPECT_EQ(indexAsked, QStringList({clip + ".other", clip}));
 }
+
+TEST_F(MainWindowFiles, KeysReachTheFileCommands)
+{
+    frmMain &window = start();
+    const QString shown = folder + "/b.bmp";
+
+    QTest::keyClick(&window, Qt::Key_A, Qt::AltModifier);
+    EXPECT_EQ(window.favourites().entries(), QStringList{shown});
+    QTest::keyClick(&window, Qt::Key_R, Qt::AltModifier);
+    EXPECT_TRUE(window.favourites().entries().isEmpty());
+    QTest::keyClick(&window, Qt::Key_G, Qt::AltModifier);
+    EXPECT_TRUE(window.favourites().isVisible());
+
+    QTest::keyClick(&window, Qt::Key_I, Qt::AltModifier);
+    EXPECT_NE(window.findChild<frmMessage *>(), nullptr);
+
+    typed = {"b2.bmp"};
+    QTest::keyClick(&window, Qt::Key_N, Qt::AltModifier);
+    EXPECT_TRUE(QFileInfo::exists(folder + "/b2.bmp"));
+
+    // Delete and Alt+D ask first; No (the scripted default) keeps the file.
+    for (const auto &[key, modifier] : {std::pair{Qt::Key_Delete, Qt::NoModifier}, {Qt::Key_D, Qt::AltModifier}}) {
+        const qsizetype before = fixture.prompts.asked.size();
+        QTest::keyClick(&window, key, modifier);
+        EXPECT_EQ(fixture.prompts.asked.size(), before + 1);
+        EXPECT_TRUE(QFileInfo::exists(folder + "/b2.bmp"));
+    }
+}

@@ -316,6 +316,7 @@ private:
     void reloadAfterWrite(const QString &path);
     void endOutputCommand(bool grabToo);
     void connectFileCommands();
+    void fileKeyPress(int key, Qt::KeyboardModifiers modifiers);
     void SaveFavourites();
     QString nameShownAfterRemoving() const;
     friend class MainFavouritesHost;

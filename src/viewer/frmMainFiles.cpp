@@ -234,6 +234,24 @@ void frmMain::deleteFileAt(const QString &path)
     restartSlideTimerIfOn();
 }
 
+void frmMain::fileKeyPress(int key, Qt::KeyboardModifiers modifiers)
+{
+    const bool alt = modifiers == Qt::AltModifier;
+    if ((modifiers == Qt::NoModifier && key == Qt::Key_Delete) || (alt && key == Qt::Key_D))
+        SFDelete_Click();
+    if (!alt)
+        return;
+    switch (key) {
+    case Qt::Key_A: cmdAdd_Click(); break;
+    case Qt::Key_R: mnuRemove_Click(); break;
+    case Qt::Key_G: mnuGlobal_Click(); break;
+    case Qt::Key_M: mnuMove_Click(); break;
+    case Qt::Key_N: SFRename_Click(); break;
+    case Qt::Key_I: SFInfo_Click(); break;
+    default: break;
+    }
+}
+
 void frmMain::SFInfo_Click()
 {
     ClearCropSelection();

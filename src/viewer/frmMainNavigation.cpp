@@ -153,7 +153,8 @@ void frmMain::keyPressEvent(QKeyEvent *event)
     if (alt && key == Qt::Key_O)
         cmdAbout->click();
     outputKeyPress(key, modifiers);
-    if (alt && key == Qt::Key_T)
+    fileKeyPress(key, modifiers);
+    if (alt && key == Qt::Key_T && !m_state.FullScreenActive)
         cmdIndex_Click();
     event->accept();
 }
