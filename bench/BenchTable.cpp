@@ -30,6 +30,25 @@ void BenchTable::writeJson(const QString &path) const
         file.write(QJsonDocument(rows).toJson());
 }
 
+namespace {
+bool g_quick = false;
+}
+
+void setQuickBench(bool quick)
+{
+    g_quick = quick;
+}
+
+bool quickBench()
+{
+    return g_quick;
+}
+
+int benchRuns(int full)
+{
+    return g_quick ? 1 : full;
+}
+
 double bestOf(int runs, const std::function<void()> &work)
 {
     double best = std::numeric_limits<double>::max();

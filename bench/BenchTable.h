@@ -31,5 +31,10 @@ struct Bench {
 };
 QList<Bench> allBenches();
 
+// Fewer repetitions and pictures for a quick look (--quick).
+void setQuickBench(bool quick);
+bool quickBench();
+int benchRuns(int full); // full, or 1 when quick
+
 // The best of several runs, in milliseconds.
 double bestOf(int runs, const std::function<void()> &work);

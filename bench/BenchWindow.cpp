@@ -1,11 +1,16 @@
 #include "bench/BenchWindow.h"
 
+#include "bench/BenchTable.h"
 #include "platform/DataFolder.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QImage>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QProcess>
+
+#include <unistd.h>
 
 QString makeLargeJpeg(const QString &folder, const QString &name)
 {
@@ -23,10 +28,32 @@ QString makeLargeJpeg(const QString &folder, const QString &name)
     return path;
 }
 
-OpenWindow::OpenWindow(const QString &path)
+double djpegMs(const QString &path, const QStringList &scale)
+{
+    return bestOf(benchRuns(3),
+                  [&] { QProcess::execute("djpeg", scale + QStringList{"-outfile", "/dev/null", path}); });
+}
+
+QStringList linkCopies(const QString &file, int count)
+{
+    QStringList names;
+    const QString stem = file.chopped(4);
+    for (int i = 0; i < count; ++i) {
+        const QString name = stem + QStringLiteral("%1.jpg").arg(i, 3, 10, QLatin1Char('0'));
+        if (::link(QFile::encodeName(file).constData(), QFile::encodeName(name).constData()) != 0)
+            QFile::copy(file, name);
+        names.append(name);
+    }
+    QFile::remove(file);
+    return names;
+}
+
+OpenWindow::OpenWindow(const QString &path, const QString &storedFolder)
     : settings(config.path() + "/Vimora.ini"), state(settings, messages), window(state, prompts, launcher)
 {
     settings.write("UserDef", "Language", "EN");
+    if (!storedFolder.isEmpty())
+        settings.write("UserDef", "Path", storedFolder);
     state.ProgramFolder = DataFolder::locate(QCoreApplication::applicationDirPath());
     window.resize(1280, 1024);
     window.Form_Load(path);

@@ -25,9 +25,22 @@ public:
 // A 6000 x 4000 JPEG (24 megapixels) with some detail to decode.
 QString makeLargeJpeg(const QString &folder, const QString &name);
 
-// The main window of a fresh user, 1280 x 1024, started on a file.
+constexpr int LargeFolderSize = 100000;
+// LargeFolderSize small files named with these suffixes in turn.
+void makeLargeFolder(const QString &folder, const QList<QByteArray> &suffixes);
+const QList<QByteArray> &mixedSuffixes();
+
+// djpeg decoding path to nowhere, process included; the best of a few, in ms.
+double djpegMs(const QString &path, const QStringList &scale);
+
+// count names for one file, in the order a listing sorts them, without the
+// disk space of copies; the file's own name goes.
+QStringList linkCopies(const QString &file, int count);
+
+// The main window of a fresh user, 1280 x 1024, started on a file, or with
+// no file on storedFolder as the folder the last session left.
 struct OpenWindow {
-    explicit OpenWindow(const QString &path);
+    explicit OpenWindow(const QString &path, const QString &storedFolder = {});
     QTemporaryDir config;
     IniSettingsStore settings;
     MessageCatalogue messages;

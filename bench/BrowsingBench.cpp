@@ -36,24 +36,19 @@ void fitDisplayBench(BenchTable &table)
     window.Option1[0]->setChecked(true);
     QCoreApplication::processEvents();
 
-    const double ours = bestOf(3, [&] {
+    const double ours = bestOf(benchRuns(3), [&] {
         window.Mostra_Image(false, path, true);
         window.repaint();
     });
-    const double reference = bestOf(3, [&] {
+    const double reference = bestOf(benchRuns(3), [&] {
         QImage full;
         full.load(path);
     });
     table.add({"Mostra_Image, 24 MP JPEG, fit mode, 1280 x 1024", "QImage full decode of the same file", ours, reference});
-    auto djpeg = [&](const QStringList &scale) {
-        return bestOf(3, [&] {
-            QProcess::execute("djpeg", scale + QStringList{"-outfile", "/dev/null", path});
-        });
-    };
     table.add({"Mostra_Image, 24 MP JPEG, fit mode, 1280 x 1024", "djpeg -scale 1/4 (process included)", ours,
-               djpeg({"-scale", "1/4"})});
+               djpegMs(path, {"-scale", "1/4"})});
     table.add({"Mostra_Image, 24 MP JPEG, fit mode, 1280 x 1024", "djpeg full size (process included)", ours,
-               djpeg({})});
+               djpegMs(path, {})});
 }
 
 // Zoom and pan of an 8000 x 6000 picture, against painting a window-sized
@@ -71,14 +66,14 @@ void zoomAndPanBench(BenchTable &table)
     QCoreApplication::processEvents();
 
     int percent = 100;
-    const double zoom = bestOf(5, [&] {
+    const double zoom = bestOf(benchRuns(5), [&] {
         percent = percent == 152 ? 132 : 152;
         window.ZoomTo(percent);
         window.repaint();
     });
     QImage frame(1280, 1024, QImage::Format_RGB32);
     const QImage source = picture.copy(0, 0, 1280, 1024);
-    const double reference = bestOf(5, [&] {
+    const double reference = bestOf(benchRuns(5), [&] {
         QPainter painter(&frame);
         painter.drawImage(0, 0, source);
     });
@@ -97,9 +92,14 @@ void zoomAndPanBench(BenchTable &table)
 
 void folderListingBench(BenchTable &table); // folder_listing_bench.cpp
 void thumbnailPageBench(BenchTable &table);  // thumbnail_page_bench.cpp
+void nextPictureBench(BenchTable &table);    // picture_walk_bench.cpp
+void commandLineFileBench(BenchTable &table);
+void memoryWalkBench(BenchTable &table);
+void startupBench(BenchTable &table);
 
 QList<Bench> allBenches()
 {
     return {{"listing", folderListingBench}, {"fit-display", fitDisplayBench}, {"zoom-pan", zoomAndPanBench},
-            {"thumbnail-page", thumbnailPageBench}};
+            {"thumbnail-page", thumbnailPageBench}, {"next", nextPictureBench},
+            {"command-line", commandLineFileBench}, {"memory", memoryWalkBench}, {"startup", startupBench}};
 }

@@ -2,6 +2,8 @@
 // run on the same files. Prints a table and, with --json FILE, writes it.
 #include "bench/BenchTable.h"
 
+int runBenchChild(const QStringList &arguments); // picture_walk_bench.cpp
+
 #include <QApplication>
 #include <QCommandLineParser>
 
@@ -16,7 +18,12 @@ int main(int argc, char **argv)
     QCommandLineParser parser;
     parser.addOption({"json", "Write the table as JSON to this file.", "file"});
     parser.addOption({"only", "Run only the benches whose name contains this text.", "text"});
+    parser.addOption({"quick", "Fewer repetitions and pictures, for a quick look."});
+    parser.addOption({"child", "Internal: one measurement in a fresh process."});
     parser.process(app);
+    if (parser.isSet("child"))
+        return runBenchChild(parser.positionalArguments());
+    setQuickBench(parser.isSet("quick"));
 
     BenchTable table;
     for (const Bench &bench : allBenches())

@@ -76,13 +76,13 @@ void thumbnailPageBench(BenchTable &table)
 
     const QString thumbnails = cacheHome.path() + "/thumbnails";
     PageTiming cold{1e12, 0}, warm{1e12, 0};
-    for (int run = 0; run < Runs; ++run) {
+    for (int run = 0; run < benchRuns(Runs); ++run) {
         QDir(thumbnails).removeRecursively();
         const PageTiming timing = timeEventLoop([&] { index.Carica_Preview(); }, [&] { return !index.pageLoading(); });
         cold.ms = std::min(cold.ms, timing.ms);
         cold.longestStall = std::max(cold.longestStall, timing.longestStall);
     }
-    for (int run = 0; run < Runs; ++run) {
+    for (int run = 0; run < benchRuns(Runs); ++run) {
         const PageTiming timing = timeEventLoop([&] { index.Carica_Preview(); }, [&] { return !index.pageLoading(); });
         warm.ms = std::min(warm.ms, timing.ms);
         warm.longestStall = std::max(warm.longestStall, timing.longestStall);
@@ -93,7 +93,7 @@ void thumbnailPageBench(BenchTable &table)
     const PageTiming quiet = timeEventLoop([&] { idle.start(); }, [&] { return idle.elapsed() >= cold.ms; });
 
     QTemporaryDir vipsOut;
-    const double vips = bestOf(Runs, [&] {
+    const double vips = bestOf(benchRuns(Runs), [&] {
         QProcess::execute("vipsthumbnail", QStringList{"-s", "128x128", "-o", vipsOut.path() + "/%s.png"} + pictures);
     });
     const QString reference = QStringLiteral("vipsthumbnail -s 128x128, same 24 files");
