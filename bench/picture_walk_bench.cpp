@@ -66,6 +66,7 @@ struct ChildRun {
 ChildRun runSelf(const QStringList &arguments)
 {
     QProcess child;
+    child.setProcessChannelMode(QProcess::ForwardedErrorChannel); // a walk that stopped short says so
     QElapsedTimer timer;
     timer.start();
     child.start(QCoreApplication::applicationFilePath(), QStringList{"--child"} + arguments);
