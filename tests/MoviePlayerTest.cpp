@@ -468,7 +468,9 @@ TEST(MoviePlayer, ControlBarDrivesThePlayer)
     auto *bar = player->findChild<MovieControlBar *>();
     ASSERT_NE(bar, nullptr);
     player->setFileName(clip);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return player->PlayState() == MoviePlayer::Stopped; }, OpenTimeoutMs));
+    // The duration arrives on its own, after the file is open: the time text needs it.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return player->PlayState() == MoviePlayer::Stopped && player->Duration() > 0; },
+                                OpenTimeoutMs));
     emit bar->playPauseClicked();
     EXPECT_EQ(player->PlayState(), MoviePlayer::Playing);
     EXPECT_TRUE(bar->isPlayingShown());
