@@ -316,6 +316,24 @@ TEST(HostileInput, DamagedMessageFileGivesDefaults)
     }
 }
 
+TEST(HostileInput, MainWindowStartsOverDamagedSettingsAndMessageFiles)
+{
+    for (const DamagedFile &damaged : damagedFiles()) {
+        SCOPED_TRACE(damaged.what);
+        MainWindowFixture fixture;
+        writeFile(fixture.programFolder(), "PRMSG", damaged.bytes);
+        QDir().mkpath(QFileInfo(fixture.iniPath()).path());
+        writeFile(QFileInfo(fixture.iniPath()).path(), "Vimora.ini", damaged.bytes);
+        fixture.settings().flush(); // takes the damaged file in
+        frmMain &window = fixture.start();
+        EXPECT_EQ(fixture.state->SlideSeconds, 5);
+        EXPECT_EQ(fixture.messages.GetMsg(1, "default"), "default");
+        EXPECT_TRUE(window.isVisible());
+        fixture.close();
+        EXPECT_EQ(QSettings(fixture.iniPath(), QSettings::IniFormat).status(), QSettings::NoError);
+    }
+}
+
 // Two programs closing at once, as two processes: in one process QSettings
 // shares a single cache per file and would hide the race.
 TEST(HostileInput, WritersClosingAtOnceLeaveAReadableFile)
