@@ -5,6 +5,7 @@
 #include "core/SettingsStore.h"
 #include "output/Wallpaper.h"
 #include "platform/PictureLoader.h"
+#include "viewer/AnimationView.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -118,6 +119,19 @@ QByteArray hugeEmf()
     return bytes;
 }
 
+// A one-pixel GIF on a 60000 x 60000 screen; animations are read apart.
+QByteArray hugeGif()
+{
+    QByteArray bytes("GIF89a", 6);
+    bytes += QByteArray(7, '\0');
+    put<quint16>(bytes, 6, Huge);
+    put<quint16>(bytes, 8, Huge);
+    bytes[10] = char(0x80); // a global table of two colours
+    bytes += QByteArray("\0\0\0\xff\xff\xff", 6);
+    bytes += QByteArray("\x2c\0\0\0\0\x01\0\x01\0\0\x02\x02\x44\x01\0\x3b", 17);
+    return bytes;
+}
+
 struct HugePicture {
     const char *name;
     QByteArray bytes;
@@ -125,7 +139,7 @@ struct HugePicture {
 
 QList<HugePicture> hugePictures()
 {
-    return {{"huge.bmp", hugeBmp(0)}, {"huge-rle.bmp", hugeBmp(1)}, {"huge.jpg", hugeJpeg()},
+    return {{"huge.bmp", hugeBmp(0)}, {"huge-rle.bmp", hugeBmp(1)}, {"huge.jpg", hugeJpeg()}, {"huge.gif", hugeGif()},
             {"huge.wmf", hugeWmf()},  {"huge.emf", hugeEmf()}};
 }
 
@@ -175,6 +189,7 @@ TEST(HostileInput, MainWindowStepsOverPicturesClaimingHugeSizes)
         EXPECT_LE(qint64(shown.width()) * shown.height(), PictureLoader::MaxPixels);
         EXPECT_LE(shown.width(), PictureLoader::MaxMetafileSide);
         EXPECT_LE(shown.height(), PictureLoader::MaxMetafileSide);
+        EXPECT_TRUE(window.WebBrowser1->isEmpty()); // no animation plays a refused picture
     }
 }
 
