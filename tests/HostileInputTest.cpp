@@ -182,14 +182,20 @@ TEST(HostileInput, MainWindowStepsOverPicturesClaimingHugeSizes)
     for (const HugePicture &picture : hugePictures())
         writeFile(folder, picture.name, picture.bytes);
     frmMain &window = fixture.start();
-    for (const HugePicture &picture : hugePictures()) {
-        SCOPED_TRACE(picture.name);
-        window.Mostra_Image(false, folder + '/' + picture.name, true);
-        const QImage shown = window.ImgEgg->picture();
-        EXPECT_LE(qint64(shown.width()) * shown.height(), PictureLoader::MaxPixels);
-        EXPECT_LE(shown.width(), PictureLoader::MaxMetafileSide);
-        EXPECT_LE(shown.height(), PictureLoader::MaxMetafileSide);
-        EXPECT_TRUE(window.WebBrowser1->isEmpty()); // no animation plays a refused picture
+    for (const bool fit : {false, true}) {
+        for (const HugePicture &picture : hugePictures()) {
+            SCOPED_TRACE(qPrintable(picture.name + QString(fit ? " fitted" : " actual size")));
+            window.Option1[fit ? 0 : 1]->setChecked(true);
+            window.Mostra_Image(false, folder + '/' + picture.name, true);
+            const QImage shown = window.ImgEgg->picture();
+            if (fit) { // drawn for the window, not at the largest size
+                EXPECT_LE(shown.width(), qreal(window.width()) * window.devicePixelRatio());
+            }
+            EXPECT_LE(qint64(shown.width()) * shown.height(), PictureLoader::MaxPixels);
+            EXPECT_LE(shown.width(), PictureLoader::MaxMetafileSide);
+            EXPECT_LE(shown.height(), PictureLoader::MaxMetafileSide);
+            EXPECT_TRUE(window.WebBrowser1->isEmpty()); // no animation plays a refused picture
+        }
     }
 }
 
