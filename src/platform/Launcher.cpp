@@ -8,7 +8,9 @@
 
 LaunchResult Launcher::openWithDefault(const QString &path)
 {
-    return start(QStringLiteral("xdg-open"), {path});
+    // xdg-open has no "--": a relative name starting with "-" would be read
+    // as an option, its absolute path cannot be.
+    return start(QStringLiteral("xdg-open"), {path.startsWith(QLatin1Char('-')) ? QFileInfo(path).absoluteFilePath() : path});
 }
 
 void Launcher::startWatched(const QString &program, const QStringList &arguments, LaunchWatcher done)

@@ -112,6 +112,12 @@ Picture fittedPicture(const QImage &image, const Options &options)
 
 // --- Qt's readers: BMP, JPEG, GIF, and PNG in disguise -------------------
 
+bool gifScreenTooLarge(const QByteArray &head)
+{
+    return head.size() >= 10 && head.startsWith("GIF8")
+        && qint64(u16At(head, 6)) * u16At(head, 8) > MaxPixels;
+}
+
 bool hasV2OrV3InfoHeader(const QByteArray &head)
 {
     return head.size() >= 18 && head.startsWith("BM") && (u32At(head, 14) == 52 || u32At(head, 14) == 56);
@@ -456,6 +462,8 @@ Picture load(const QString &path, const Options &options)
         return {};
     const QByteArray head = file.peek(SniffedBytes);
     const Decoder decoder = decoderFor(head, path);
+    if (decoder == Decoder::Qt && gifScreenTooLarge(head))
+        return {};
     if (decoder == Decoder::Qt)
         return withQtReadable(file, head, [&](QIODevice *device) { return loadWithQt(device, options); });
     if (file.size() > LargestWholeFile)
@@ -474,6 +482,16 @@ Picture load(const QString &path, const Options &options)
 QFuture<Picture> loadAsync(const QString &path, const Options &options)
 {
     return QtConcurrent::run([path, options] { return load(path, options); });
+}
+
+bool claimsTooManyPixels(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray head = file.peek(SniffedBytes);
+    const QSize size = readNaturalSize(path);
+    return gifScreenTooLarge(head) || qint64(size.width()) * size.height() > MaxPixels;
 }
 
 QSize readNaturalSize(const QString &path)

@@ -39,6 +39,10 @@ Picture load(const QString &path, const Options &options = {});
 // load() on a worker thread, for callers that must not wait.
 QFuture<Picture> loadAsync(const QString &path, const Options &options = {});
 
+// Whether the header claims more than MaxPixels. A GIF's screen counts:
+// Qt allocates it for every frame, however small the frames are.
+bool claimsTooManyPixels(const QString &path);
+
 // The natural size, reading as little as the format allows (the header for
 // most); invalid when the file does not decode.
 QSize readNaturalSize(const QString &path);

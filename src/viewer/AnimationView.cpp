@@ -1,5 +1,7 @@
 #include "viewer/AnimationView.h"
 
+#include "platform/PictureLoader.h"
+
 #include <QMovie>
 #include <QPainter>
 
@@ -14,6 +16,10 @@ void AnimationView::Navigate(const QString &path)
 {
     clear();
     m_path = path;
+    // The still loader refuses such headers; frames that size would take a
+    // gigabyte or more each.
+    if (PictureLoader::claimsTooManyPixels(path))
+        return;
     auto *movie = new QMovie(path, QByteArray(), this);
     if (!movie->isValid()) {
         delete movie;
