@@ -391,5 +391,12 @@ private:
     QSize fitTarget() const; // the pixels fit mode decodes for
     PictureLoader::Picture loadForDisplay(const QString &path, QSize fitInto);
     void prefetchNeighbours();
+    void updateNavigationButtons(); // Next and Back for the list position
+    // The file asked for, shown while its folder is still being listed
+    // (frmMainEarlyShow.cpp); the name shown, or empty.
+    QString showBeforeListingEnds(const QString &name);
+    // Once the listing ends: the early file's list position, without
+    // showing it again. False when the list no longer has it.
+    bool settleShownEarly(const QString &name);
     std::shared_ptr<PicturePrefetch> m_prefetch; // shared_ptr: incomplete here
 };

@@ -119,12 +119,7 @@ void frmMain::Mostra_Image(bool backward, const QString &name, bool nameIsFullPa
         for (QToolButton *button : {cmdClip, cmdPrint, cmdSave, cmdAdd})
             button->setEnabled(true);
         QCoreApplication::processEvents();
-        if (m_state.fileUpperBound() > 0) {
-            restartSlideTimerIfOn();
-            cmdNext->setEnabled(m_state.CurrentIndex < m_state.fileUpperBound());
-            cmdBack->setEnabled(m_state.CurrentIndex > 0
-                                && !m_state.FileNames.value(m_state.CurrentIndex - 1).isEmpty());
-        }
+        updateNavigationButtons();
     }
 
     LabNum->setText(ViewRules::positionText(m_state.CurrentIndex, m_state.fileUpperBound() + 1));
@@ -139,6 +134,15 @@ void frmMain::Mostra_Image(bool backward, const QString &name, bool nameIsFullPa
         mnuFullScreen_Click();
     prefetchNeighbours();
     emit fileShown(path);
+}
+
+void frmMain::updateNavigationButtons()
+{
+    if (m_state.fileUpperBound() > 0) {
+        restartSlideTimerIfOn();
+        cmdNext->setEnabled(m_state.CurrentIndex < m_state.fileUpperBound());
+        cmdBack->setEnabled(m_state.CurrentIndex > 0 && !m_state.FileNames.value(m_state.CurrentIndex - 1).isEmpty());
+    }
 }
 
 void frmMain::showPicture(const QString &path)
