@@ -5,6 +5,7 @@
 #include "viewer/PrefetchRules.h"
 
 #include <QFile>
+#include <QPainter>
 #include <QImage>
 #include <QTemporaryDir>
 
@@ -150,4 +151,26 @@ TEST_F(MainWindowPrefetch, ActualSizeHoldsNothing)
     window.cmdNext->click();
     EXPECT_EQ(window.prefetch().heldCount(), 0);
     EXPECT_EQ(shownColour(window), colourOf(1));
+}
+
+TEST(PictureViewPainting, ShrunkPicturePaintsAsADirectSmoothDraw)
+{
+    QImage picture(1500, 1000, QImage::Format_RGB32);
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            picture.setPixel(x, y, qRgb(x * 7 % 256, y * 13 % 256, (x ^ y) % 256));
+    PictureView view;
+    view.setPicture(picture);
+    for (const QSize size : {QSize(1280, 853), QSize(641, 427)}) {
+        view.resize(size);
+        QImage direct(size, QImage::Format_RGB32);
+        QPainter painter(&direct);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(QRectF(QPointF(0, 0), QSizeF(size)), picture, QRectF(picture.rect()));
+        painter.end();
+        const QImage once = view.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        const QImage again = view.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        EXPECT_EQ(once, direct) << size.width();
+        EXPECT_EQ(again, direct) << size.width();
+    }
 }
