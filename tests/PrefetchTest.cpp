@@ -56,6 +56,23 @@ TEST(PrefetchRules, OnlyPicturesDecodedHereAreHeld)
     EXPECT_TRUE(PrefetchRules::namesToHold({QString()}, 0, false).isEmpty()); // an empty list
 }
 
+TEST(PrefetchRules, JpegDecodesAtTheExactDctScaleThatCoversTheFit)
+{
+    const struct {
+        QSize natural, fit, bound;
+    } cases[] = {
+        {{6000, 4000}, {1280, 1024}, {1500, 1000}}, // 1/4 covers 1280 x 853
+        {{6000, 4000}, {1600, 1200}, {2250, 1500}}, // 1/4 is short: 3/8
+        {{4000, 3000}, {1000, 800}, {1000, 750}},   // 1/4 is the fit itself
+        {{4032, 3024}, {1280, 1024}, {1512, 1134}},
+        {{4001, 3000}, {1280, 1024}, {1280, 1024}}, // no exact scale: as before
+        {{800, 600}, {1280, 1024}, {1280, 1024}},   // fits already
+        {{6000, 4000}, {}, {}},                     // no fit asked
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(PrefetchRules::jpegFitBound(c.natural, c.fit), c.bound) << c.natural.width() << "x" << c.natural.height();
+}
+
 TEST(PicturePrefetch, GivesWhatTheLoaderGivesIncludingBadFiles)
 {
     QTemporaryDir dir;

@@ -1,5 +1,8 @@
 #include "viewer/PicturePrefetch.h"
 
+#include "core/FileTypeCatalogue.h"
+#include "viewer/PrefetchRules.h"
+
 #include <QFile>
 #include <QtConcurrent>
 
@@ -9,11 +12,13 @@
 
 namespace {
 
-PictureLoader::Options fitOptions(QSize fitInto)
+PictureLoader::Picture loadForFit(const QString &path, QSize fitInto)
 {
     PictureLoader::Options options;
     options.fitInto = fitInto;
-    return options;
+    if (FileTypeCatalogue::normalisedTypeCode(FileTypeCatalogue::extensionOf(path)) == u"JPG")
+        options.fitInto = PrefetchRules::jpegFitBound(PictureLoader::readNaturalSize(path), fitInto);
+    return PictureLoader::load(path, options);
 }
 
 } // namespace
@@ -48,7 +53,7 @@ PictureLoader::Picture PicturePrefetch::obtain(const QString &path, QSize fitInt
         }
         drop(held);
     }
-    const PictureLoader::Picture picture = PictureLoader::load(path, fitOptions(fitInto));
+    const PictureLoader::Picture picture = loadForFit(path, fitInto);
     if (stamp.size >= 0)
         m_entries.push_back({path, fitInto, stamp, QtFuture::makeReadyFuture(picture),
                              std::make_shared<std::atomic_bool>(true)});
@@ -70,9 +75,8 @@ void PicturePrefetch::hold(const QStringList &paths, QSize fitInto)
         if (held || stamp.size < 0)
             continue;
         auto wanted = std::make_shared<std::atomic_bool>(true);
-        const PictureLoader::Options options = fitOptions(fitInto);
-        QFuture<PictureLoader::Picture> picture = QtConcurrent::run(&m_pool, [path, options, wanted] {
-            return wanted->load() ? PictureLoader::load(path, options) : PictureLoader::Picture{};
+        QFuture<PictureLoader::Picture> picture = QtConcurrent::run(&m_pool, [path, fitInto, wanted] {
+            return wanted->load() ? loadForFit(path, fitInto) : PictureLoader::Picture{};
         });
         m_entries.push_back({path, fitInto, stamp, std::move(picture), std::move(wanted)});
     }

@@ -37,4 +37,19 @@ QStringList namesToHold(const QStringList &fileNames, int current, bool slidesho
     return names;
 }
 
+QSize jpegFitBound(QSize natural, QSize fit)
+{
+    if (natural.isEmpty() || !fit.isValid() || (natural.width() <= fit.width() && natural.height() <= fit.height()))
+        return fit;
+    const QSize fitted = natural.scaled(fit, Qt::KeepAspectRatio);
+    for (int eighths = 1; eighths < 8; ++eighths) {
+        if (natural.width() * eighths % 8 != 0 || natural.height() * eighths % 8 != 0)
+            continue; // the decoder would round, then rescale after all
+        const QSize scaled(natural.width() * eighths / 8, natural.height() * eighths / 8);
+        if (scaled.width() >= fitted.width() && scaled.height() >= fitted.height())
+            return scaled;
+    }
+    return fit;
+}
+
 } // namespace PrefetchRules

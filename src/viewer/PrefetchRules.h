@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -19,5 +20,11 @@ QList<int> positionsToHold(int current, int upperBound, bool slideshowWraps);
 
 // The names at those positions that are worth prefetching.
 QStringList namesToHold(const QStringList &fileNames, int current, bool slideshowWraps);
+
+// The size to decode a JPEG of natural size at for a fit into fit: the
+// smallest of its exact k/8 DCT scales that covers the fitted size, so the
+// decoder does no smooth rescale after the DCT scaling and the painting
+// does the last shrink. fit itself when no exact scale lies between.
+QSize jpegFitBound(QSize natural, QSize fit);
 
 } // namespace PrefetchRules
