@@ -48,7 +48,8 @@ QStringList linkCopies(const QString &file, int count)
     return names;
 }
 
-OpenWindow::OpenWindow(const QString &path, const QString &storedFolder)
+OpenWindow::OpenWindow(const QString &path, const QString &storedFolder,
+                       const std::function<void(frmMain &)> &prepare)
     : settings(config.path() + "/Vimora.ini"), state(settings, messages), window(state, prompts, launcher)
 {
     settings.write("UserDef", "Language", "EN");
@@ -56,5 +57,7 @@ OpenWindow::OpenWindow(const QString &path, const QString &storedFolder)
         settings.write("UserDef", "Path", storedFolder);
     state.ProgramFolder = DataFolder::locate(QCoreApplication::applicationDirPath());
     window.resize(1280, 1024);
+    if (prepare)
+        prepare(window);
     window.Form_Load(path);
 }

@@ -9,6 +9,8 @@
 
 #include <QTemporaryDir>
 
+#include <functional>
+
 class SilentPrompts : public Prompts {
 public:
     PromptAnswer ask(const PromptMessage &) override { return PromptAnswer::Cancel; }
@@ -40,7 +42,9 @@ QStringList linkCopies(const QString &file, int count);
 // The main window of a fresh user, 1280 x 1024, started on a file, or with
 // no file on storedFolder as the folder the last session left.
 struct OpenWindow {
-    explicit OpenWindow(const QString &path, const QString &storedFolder = {});
+    // prepare runs before the start, to watch what the start does.
+    explicit OpenWindow(const QString &path, const QString &storedFolder = {},
+                        const std::function<void(frmMain &)> &prepare = {});
     QTemporaryDir config;
     IniSettingsStore settings;
     MessageCatalogue messages;

@@ -1,9 +1,45 @@
 #include "index/ThumbnailDecoder.h"
 
+#include "index/ExifThumbnail.h"
 #include "platform/PictureLoader.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QThread>
+
+namespace {
+
+// An EXIF block is one APP1 segment of at most 64 KB, after at most a few
+// small segments.
+constexpr qint64 ExifSearchBytes = 128 * 1024;
+
+// The camera's own thumbnail, when it is large enough and of the picture's
+// proportions: a small JPEG to decode instead of the whole picture.
+PictureLoader::Picture fromExifThumbnail(const QString &path, int side)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const ExifThumbnail::Found found = ExifThumbnail::find(file.read(ExifSearchBytes));
+    file.close();
+    if (found.jpeg.isEmpty())
+        return {};
+    const QSize natural = PictureLoader::readNaturalSize(path);
+    if (!natural.isValid() || qint64(natural.width()) * natural.height() > PictureLoader::MaxPixels)
+        return {}; // the picture itself would be refused
+    const QSize stored = found.orientation >= 5 ? natural.transposed() : natural;
+    const QImage thumbnail = QImage::fromData(found.jpeg, "JPEG");
+    if (thumbnail.isNull() || !ExifThumbnail::standsFor(thumbnail.size(), stored, side))
+        return {};
+    const QSize made = natural.width() <= side && natural.height() <= side
+                           ? natural
+                           : natural.scaled(side, side, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    const QImage shown = ExifThumbnail::oriented(thumbnail, found.orientation);
+    return {shown.size() == made ? shown : shown.scaled(made, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
+            natural};
+}
+
+} // namespace
 
 ThumbnailDecoder::ThumbnailDecoder(ThumbnailCache cache, QObject *parent)
     : QObject(parent)
@@ -35,7 +71,9 @@ ThumbnailDecoder::Result ThumbnailDecoder::decode(const ThumbnailCache &cache, c
         const int side = ThumbnailCache::maxSide(flavour);
         PictureLoader::Options options;
         options.fitInto = QSize(side, side);
-        PictureLoader::Picture picture = PictureLoader::load(absolute, options);
+        PictureLoader::Picture picture = fromExifThumbnail(absolute, side);
+        if (picture.isNull())
+            picture = PictureLoader::load(absolute, options);
         if (picture.isNull())
             return result;
         result.naturalSize = picture.naturalSize;

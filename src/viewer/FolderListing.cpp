@@ -238,6 +238,19 @@ FolderListing FolderListing::listAll(const QString &folder, const QString &filte
     return listing;
 }
 
+bool WouldBeListed(const QString &folder, const QString &name, const QString &filterCode,
+                   const QString &filterItemText)
+{
+    if (name.isEmpty() || name.startsWith(QLatin1Char('.')) || name.contains(QLatin1Char('/')))
+        return false;
+    // The listing judges a name by its last four characters.
+    if (!FileTypeCatalogue::admits(name.right(4), filterCode, filterItemText))
+        return false;
+    struct stat info;
+    const QString path = folder.endsWith(QLatin1Char('/')) ? folder + name : folder + QLatin1Char('/') + name;
+    return ::stat(QFile::encodeName(path).constData(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
 QString FolderSummaryText(int count, double totalBytes)
 {
     const double k = std::floor(totalBytes / 1024);

@@ -57,6 +57,11 @@ private:
     bool m_unreadable = false;
 };
 
+// Whether a listing of folder under this filter lists name, by the same
+// rules as FolderListing::step, for a name known before the listing ends.
+bool WouldBeListed(const QString &folder, const QString &name, const QString &filterCode,
+                   const QString &filterItemText);
+
 // The count of files, five blanks, then their size: "3     2 K", "0     0 byte".
 QString FolderSummaryText(int count, double totalBytes);
 

@@ -12,6 +12,7 @@ PictureView::PictureView(QWidget *parent) : QWidget(parent)
 void PictureView::setPicture(const QImage &picture, QSize naturalSize)
 {
     m_picture = picture;
+    m_shrunk = QImage();
     m_naturalSize = naturalSize.isValid() ? naturalSize : picture.size();
     update();
 }
@@ -19,6 +20,7 @@ void PictureView::setPicture(const QImage &picture, QSize naturalSize)
 void PictureView::clear()
 {
     m_picture = QImage();
+    m_shrunk = QImage();
     m_naturalSize = QSize();
     update();
 }
@@ -28,6 +30,18 @@ void PictureView::paintEvent(QPaintEvent *event)
     if (m_picture.isNull())
         return;
     QPainter painter(this);
+    const bool shrunk = width() <= m_picture.width() && height() <= m_picture.height() && size() != m_picture.size();
+    if (shrunk && !m_picture.hasAlphaChannel() && devicePixelRatioF() == 1) {
+        if (m_shrunk.size() != size()) {
+            m_shrunk = QImage(size(), QImage::Format_RGB32);
+            QPainter shrinking(&m_shrunk);
+            shrinking.setRenderHint(QPainter::SmoothPixmapTransform);
+            shrinking.drawImage(QRectF(rect()), m_picture, QRectF(m_picture.rect()));
+        }
+        painter.drawImage(event->rect(), m_shrunk, event->rect());
+        return;
+    }
+    m_shrunk = QImage();
     // Smooth scaling only where the picture is shrunk or modestly enlarged;
     // painting only the exposed part keeps large zooms cheap.
     painter.setRenderHint(QPainter::SmoothPixmapTransform, width() <= m_picture.width() * 2);

@@ -34,4 +34,8 @@ protected:
 private:
     QImage m_picture;
     QSize m_naturalSize;
+    // An opaque picture shrunk to the control's size, drawn once by the same
+    // smooth painting and then copied: repaints of a fitted picture (status
+    // row, tooltips, exposure) cost a copy instead of a new scaling.
+    QImage m_shrunk;
 };

@@ -1,5 +1,8 @@
 #include "viewer/StartupRules.h"
 
+#include "core/FileTypeCatalogue.h"
+#include "viewer/FolderListing.h"
+
 namespace StartupRules {
 
 CommandLineFile splitCommandLine(const QString &commandLine)
@@ -30,5 +33,13 @@ QString startFolder(const QString &storedFolder, const QString &programFolder, b
 }
 
 int slideSecondsFromStore(int stored) { return stored < 1 ? 1 : stored; }
+
+bool showsBeforeListingEnds(const QString &folder, const QString &name, const QString &filterCode,
+                            const QString &filterItemText)
+{
+    const QString code = FileTypeCatalogue::normalisedTypeCode(FileTypeCatalogue::extensionOf(name));
+    return FileTypeCatalogue::mediaClassOf(code) == FileTypeCatalogue::MediaClass::Picture
+        && WouldBeListed(folder, name, filterCode, filterItemText);
+}
 
 } // namespace StartupRules

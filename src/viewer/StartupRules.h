@@ -23,4 +23,10 @@ QString withoutTrailingSlash(const QString &folder);
 
 int slideSecondsFromStore(int stored); // at least 1
 
+// Whether the file asked for is shown while its folder is still being
+// listed: a picture that the listing will admit. Movies and slides wait
+// for the list, as they start players and programs.
+bool showsBeforeListingEnds(const QString &folder, const QString &name, const QString &filterCode,
+                            const QString &filterItemText);
+
 } // namespace StartupRules

@@ -24,6 +24,10 @@ class frmList;
 class Prompts;
 class clsCommonDialog;
 class VolumeControl;
+class PicturePrefetch;
+namespace PictureLoader {
+struct Picture;
+}
 class QAction;
 class QImage;
 class QPrinter;
@@ -379,4 +383,20 @@ private:
     void printPicture(QWidget *owner, const std::function<QImage()> &picture, const QString &slides);
     void setWallpaperFrom(const QString &path, bool bitmapFile, const std::function<QImage()> &picture);
     std::shared_ptr<VolumeControl> m_volumeControl; // one mixer per run
+
+    // Pictures decoded ahead for fit mode (frmMainPrefetch.cpp).
+public:
+    PicturePrefetch &prefetch(); // made on first use
+private:
+    QSize fitTarget() const; // the pixels fit mode decodes for
+    PictureLoader::Picture loadForDisplay(const QString &path, QSize fitInto);
+    void prefetchNeighbours();
+    void updateNavigationButtons(); // Next and Back for the list position
+    // The file asked for, shown while its folder is still being listed
+    // (frmMainEarlyShow.cpp); the name shown, or empty.
+    QString showBeforeListingEnds(const QString &name);
+    // Once the listing ends: the early file's list position, without
+    // showing it again. False when the list no longer has it.
+    bool settleShownEarly(const QString &name);
+    std::shared_ptr<PicturePrefetch> m_prefetch; // shared_ptr: incomplete here
 };

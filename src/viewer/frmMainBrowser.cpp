@@ -48,7 +48,10 @@ void frmMain::Carica_ListaImages(QString name)
     FolderListing listing(m_state.CurrentFolder, m_state.TypeFilterCode, CboType->currentText());
     while (listing.unreadable() && askAfterReadError(m_state.CurrentFolder))
         listing = FolderListing(m_state.CurrentFolder, m_state.TypeFilterCode, CboType->currentText());
-    while (!listing.step(NamesPerTurn)) {
+    QString shownEarly;
+    for (bool firstStep = true; !listing.step(NamesPerTurn); firstStep = false) {
+        if (firstStep && !m_state.KeepDisplay)
+            shownEarly = showBeforeListingEnds(m_pendingFileName.isEmpty() ? name : m_pendingFileName);
         QCoreApplication::processEvents();
         if (generation != m_listGeneration)
             return; // a newer folder or filter took over
@@ -74,7 +77,8 @@ void frmMain::Carica_ListaImages(QString name)
         m_pendingFileName.clear();
         if (!m_state.FileNames.contains(show, Qt::CaseInsensitive))
             show = m_state.FileNames.first();
-        Mostra_Image(false, show);
+        if (show != shownEarly || !settleShownEarly(shownEarly))
+            Mostra_Image(false, show);
     }
     setWaitCursor(false);
     restartSlideTimerIfOn();

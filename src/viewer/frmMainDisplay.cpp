@@ -119,12 +119,7 @@ void frmMain::Mostra_Image(bool backward, const QString &name, bool nameIsFullPa
         for (QToolButton *button : {cmdClip, cmdPrint, cmdSave, cmdAdd})
             button->setEnabled(true);
         QCoreApplication::processEvents();
-        if (m_state.fileUpperBound() > 0) {
-            restartSlideTimerIfOn();
-            cmdNext->setEnabled(m_state.CurrentIndex < m_state.fileUpperBound());
-            cmdBack->setEnabled(m_state.CurrentIndex > 0
-                                && !m_state.FileNames.value(m_state.CurrentIndex - 1).isEmpty());
-        }
+        updateNavigationButtons();
     }
 
     LabNum->setText(ViewRules::positionText(m_state.CurrentIndex, m_state.fileUpperBound() + 1));
@@ -137,7 +132,17 @@ void frmMain::Mostra_Image(bool backward, const QString &name, bool nameIsFullPa
     // full screen stays there.
     if (m_state.FullScreenActive && !(isMovie && MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen))
         mnuFullScreen_Click();
+    prefetchNeighbours();
     emit fileShown(path);
+}
+
+void frmMain::updateNavigationButtons()
+{
+    if (m_state.fileUpperBound() > 0) {
+        restartSlideTimerIfOn();
+        cmdNext->setEnabled(m_state.CurrentIndex < m_state.fileUpperBound());
+        cmdBack->setEnabled(m_state.CurrentIndex > 0 && !m_state.FileNames.value(m_state.CurrentIndex - 1).isEmpty());
+    }
 }
 
 void frmMain::showPicture(const QString &path)
@@ -147,10 +152,7 @@ void frmMain::showPicture(const QString &path)
     m_zoomPercent = 0; // the next picture shows in the mode of Option1
     // Fit mode never shows more pixels than the display area has, so a large
     // JPEG is decoded at a reduced scale; a zoom reloads it at full size.
-    PictureLoader::Options options;
-    if (Option1[0]->isChecked())
-        options.fitInto = QSize(width(), height()) * devicePixelRatio();
-    const PictureLoader::Picture loaded = PictureLoader::load(path, options);
+    const PictureLoader::Picture loaded = loadForDisplay(path, Option1[0]->isChecked() ? fitTarget() : QSize());
     ImgEgg->setPicture(loaded.image, loaded.naturalSize);
     fitOrActualSize();
     ImgEgg->setVisible(!loaded.image.isNull());

@@ -63,6 +63,8 @@ QString MainWindowFixture::makePicture(const QString &folder, const QString &nam
 frmMain &MainWindowFixture::start(const QString &commandLine)
 {
     m_window = std::make_unique<frmMain>(*state, prompts, launcher);
+    if (beforeLoad)
+        beforeLoad(*m_window);
     m_window->Form_Load(commandLine);
     QCoreApplication::processEvents();
     return *m_window;

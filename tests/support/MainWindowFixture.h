@@ -21,6 +21,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 
 // The INI store that also logs the order of its writes.
@@ -52,6 +53,7 @@ public:
     QString makePicture(const QString &folder, const QString &name, QSize size) const;
 
     frmMain &start(const QString &commandLine = {});
+    std::function<void(frmMain &)> beforeLoad; // called by start() before Form_Load
     void close();
     frmMain &window() { return *m_window; }
 
