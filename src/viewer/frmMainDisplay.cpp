@@ -8,6 +8,7 @@
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
 #include "platform/PictureLoader.h"
+#include "platform/PictureLoaderWait.h"
 #include "viewer/AnimationView.h"
 #include "viewer/PictureView.h"
 #include "viewer/ViewRules.h"
@@ -150,7 +151,7 @@ void frmMain::showPicture(const QString &path)
     PictureLoader::Options options;
     if (Option1[0]->isChecked())
         options.fitInto = QSize(width(), height()) * devicePixelRatio();
-    const PictureLoader::Picture loaded = PictureLoader::load(path, options);
+    const PictureLoader::Picture loaded = PictureLoader::loadWithinLimit(path, options, m_state.PictureDecodeLimitMs);
     ImgEgg->setPicture(loaded.image, loaded.naturalSize);
     fitOrActualSize();
     ImgEgg->setVisible(!loaded.image.isNull());
@@ -165,7 +166,8 @@ void frmMain::resizePicture(QSize shown)
     const QSize held = ImgEgg->picture().size();
     const QSize needed = shown * devicePixelRatio();
     if (held.width() < needed.width() && held.width() < ImgEgg->naturalSize().width()) {
-        const PictureLoader::Picture full = PictureLoader::load(m_state.currentPath());
+        const PictureLoader::Picture full =
+            PictureLoader::loadWithinLimit(m_state.currentPath(), {}, m_state.PictureDecodeLimitMs);
         if (!full.isNull())
             ImgEgg->setPicture(full.image, full.naturalSize);
     }
