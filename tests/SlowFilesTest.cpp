@@ -1,5 +1,6 @@
 #include "support/MainWindowFixture.h"
 
+#include "platform/MoviePlayer.h"
 #include "platform/PictureLoaderWait.h"
 
 #include <QElapsedTimer>
@@ -98,7 +99,7 @@ TEST(PictureLoaderWait, SlowDecodeKeepsEventsRunningAndGivesUpAtTheLimit)
     }
 }
 
-TEST(PictureLoaderWait, HangingPictureLeavesTheWindowResponsiveAndTheAreaEmpty)
+TEST(SlowFiles, HangingPictureLeavesTheWindowResponsiveAndTheAreaEmpty)
 {
     MainWindowFixture fixture;
     const QString folder = fixture.makeFolder("slow");
@@ -123,4 +124,22 @@ TEST(PictureLoaderWait, HangingPictureLeavesTheWindowResponsiveAndTheAreaEmpty)
     // The next picture shows as usual.
     window.Mostra_Image(false, folder + "/a.jpg", true);
     EXPECT_FALSE(window.ImgEgg->isHidden());
+}
+
+TEST(SlowFiles, PipeUnderAMovieNameNeverBlocks)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("slow");
+    fixture.makeFiles(folder, {"a.jpg"});
+    frmMain &window = fixture.start(folder + "/a.jpg");
+    for (const char *name : {"pipe.avi", "pipe.asx"}) {
+        HangingFile hanging(folder + '/' + name);
+        ASSERT_TRUE(hanging.made);
+        QElapsedTimer clock;
+        clock.start();
+        window.Mostra_Image(false, hanging.path, true);
+        EXPECT_LT(clock.elapsed(), 2000) << name;
+        EXPECT_FALSE(window.MediaPlayer1->hasEngine()) << name;
+        window.Mostra_Image(false, folder + "/a.jpg", true);
+    }
 }
