@@ -8,3 +8,7 @@ cmake -S . -B build-tests -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
 cmake --build build-tests
 cd build-tests
 QT_QPA_PLATFORM=offscreen ctest --output-on-failure --timeout 600 "$@"
+
+# The suites that read files again, under AddressSanitizer and UBSan.
+cd ..
+scripts/test-sanitized.sh

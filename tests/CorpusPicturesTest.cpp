@@ -1,4 +1,5 @@
 #include "platform/PictureLoader.h"
+#include "support/TestTiming.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -235,7 +236,7 @@ TEST(PictureCorpus, EveryPictureMeetsItsReadme)
         QElapsedTimer clock;
         clock.start();
         const PictureLoader::Picture picture = PictureLoader::load(path, options);
-        EXPECT_LT(clock.elapsed(), 3000);
+        EXPECT_LT(clock.elapsed(), 3000 * SanitizerSlowdown);
         if (picture.isNull()) {
             ++refused;
         } else {
@@ -270,7 +271,7 @@ TEST(PictureCorpus, EveryPictureMeetsItsReadme)
                                                       : std::string());
         }
     }
-    EXPECT_LT(total.elapsed(), 45000);
+    EXPECT_LT(total.elapsed(), 45000 * SanitizerSlowdown);
     std::cout << "  corpus pictures: " << files.size() << " files, " << shown << " shown, " << refused
               << " refused, " << deviations << " known deviations from their README\n";
 }

@@ -231,14 +231,22 @@ TEST(HostileInput, WallpaperSettersGetThePathAsOneAbsoluteArgument)
 
 TEST(HostileInput, DefaultProgramNeverTakesANameForAnOption)
 {
+    const QString previous = QDir::currentPath();
+    QTemporaryDir here;
+    ASSERT_TRUE(QDir::setCurrent(here.path()));
     RecordingLauncher launcher;
     launcher.openWithDefault("-x.jpg");
     launcher.openWithDefault("/tmp/-x.jpg");
     launcher.openWithDefault("https://example.org/-x");
-    ASSERT_EQ(launcher.started.size(), 3);
-    EXPECT_EQ(launcher.started[0].second, QStringList{QDir::current().absoluteFilePath("-x.jpg")});
+    // The working folder deleted meanwhile, as the browsed folder can be.
+    here.remove();
+    launcher.openWithDefault("-x.jpg");
+    QDir::setCurrent(previous);
+    ASSERT_EQ(launcher.started.size(), 4);
+    EXPECT_EQ(launcher.started[0].second, QStringList{here.path() + "/-x.jpg"});
     EXPECT_EQ(launcher.started[1].second, QStringList{"/tmp/-x.jpg"});
     EXPECT_EQ(launcher.started[2].second, QStringList{"https://example.org/-x"});
+    EXPECT_EQ(launcher.started[3].second, QStringList{"./-x.jpg"});
 }
 
 TEST(HostileInput, HostileNamesOpenPrintBecomeWallpaperAndLaunchAsThemselves)

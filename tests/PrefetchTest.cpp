@@ -7,9 +7,14 @@
 #include <QFile>
 #include <QPainter>
 #include <QImage>
+#include <QElapsedTimer>
 #include <QTemporaryDir>
 
+#include <sys/stat.h>
+
 namespace {
+
+constexpr int DecodeLimitMs = 10000;
 
 struct HoldCase {
     int current;
@@ -91,15 +96,36 @@ TEST(PicturePrefetch, GivesWhatTheLoaderGivesIncludingBadFiles)
     PictureLoader::Options options;
     options.fitInto = QSize(400, 300);
     const PictureLoader::Picture direct = PictureLoader::load(large, options);
-    const PictureLoader::Picture held = prefetch.obtain(large, QSize(400, 300));
+    const PictureLoader::Picture held = prefetch.obtain(large, QSize(400, 300), DecodeLimitMs);
     EXPECT_EQ(held.image, direct.image);
     EXPECT_EQ(held.naturalSize, QSize(1600, 1200));
-    EXPECT_TRUE(prefetch.obtain(bad, QSize(400, 300)).isNull());
+    EXPECT_TRUE(prefetch.obtain(bad, QSize(400, 300), DecodeLimitMs).isNull());
     EXPECT_EQ(prefetch.hits(), 2);
 
     // Another window size is another picture.
-    EXPECT_EQ(prefetch.obtain(large, QSize(200, 150)).image.size(), QSize(200, 150));
+    EXPECT_EQ(prefetch.obtain(large, QSize(200, 150), DecodeLimitMs).image.size(), QSize(200, 150));
     EXPECT_EQ(prefetch.hits(), 2);
+}
+
+TEST(PicturePrefetch, APipeNamedLikeAPictureIsNeverDecodedAheadNorWaitedForBeyondTheLimit)
+{
+    QTemporaryDir dir;
+    const QString pipe = dir.filePath(QStringLiteral("hang.jpg"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+
+    PicturePrefetch prefetch;
+    prefetch.hold({pipe}, QSize(400, 300));
+    EXPECT_EQ(prefetch.heldCount(), 0); // a worker blocked on it would never come back
+
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_TRUE(prefetch.obtain(pipe, QSize(400, 300), 300).isNull());
+    EXPECT_LT(clock.elapsed(), 3000);
+    EXPECT_EQ(prefetch.heldCount(), 0);
+    // Let the reader stuck on the pipe go.
+    QFile writer(pipe);
+    if (writer.open(QIODevice::WriteOnly))
+        writer.close();
 }
 
 TEST(PicturePrefetch, DropsWhatIsNoLongerWanted)

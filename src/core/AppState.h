@@ -72,6 +72,9 @@ struct AppState {
     std::function<void(const QString &path, bool on)> MarkIndexThumbnail;
     bool ListWindowOpen = false;
 
+    // A picture whose decode takes longer shows nothing, as a broken file.
+    int PictureDecodeLimitMs = 10000;
+
     bool listIsEmpty() const { return FileNames.size() <= 1 && FileNames.value(0).isEmpty(); }
     int fileUpperBound() const { return int(FileNames.size()) - 1; }
     QString currentPath() const

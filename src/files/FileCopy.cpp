@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace {
@@ -16,6 +17,16 @@ class FileCopyTarget : public CopyTarget {
 public:
     bool open(const QString &path) override
     {
+        m_path = path;
+        // A nameless file in the target's folder: whatever goes wrong before
+        // commit, nothing is left behind, even when the folder has meanwhile
+        // become read-only. File systems without it get the named file.
+        const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
+        const int nameless = ::open(folder.constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+        if (nameless >= 0) {
+            m_nameless = true;
+            return m_file.open(nameless, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle);
+        }
         m_file.setFileName(path);
         // NewOnly: never write into a file that someone else just made.
         return m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly);
@@ -25,9 +36,15 @@ public:
     {
         if (!m_file.flush())
             return false;
-        if (::fsync(m_file.handle()) != 0) {
-            m_error = QString::fromLocal8Bit(std::strerror(errno));
-            return false;
+        if (::fsync(m_file.handle()) != 0)
+            return failWith(errno);
+        if (m_nameless) {
+            const QByteArray handle = "/proc/self/fd/" + QByteArray::number(m_file.handle());
+            if (::linkat(AT_FDCWD, handle.constData(), AT_FDCWD, QFile::encodeName(m_path).constData(),
+                         AT_SYMLINK_FOLLOW)
+                != 0)
+                return failWith(errno);
+            m_named = true;
         }
         m_file.close();
         return m_file.error() == QFileDevice::NoError;
@@ -35,13 +52,24 @@ public:
     void discard() override
     {
         m_file.close();
-        m_file.remove();
+        if (!m_nameless || m_named)
+            QFile::remove(m_path);
+        m_nameless = m_named = false;
     }
     QString errorString() const override { return m_error.isEmpty() ? m_file.errorString() : m_error; }
 
 private:
+    bool failWith(int error)
+    {
+        m_error = QString::fromLocal8Bit(std::strerror(error));
+        return false;
+    }
+
     QFile m_file;
+    QString m_path;
     QString m_error;
+    bool m_nameless = false; // O_TMPFILE, not yet linked
+    bool m_named = false;
 };
 
 QString temporaryPathBeside(const QString &target)

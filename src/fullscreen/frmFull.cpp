@@ -4,7 +4,7 @@
 #include "core/FormTexts.h"
 #include "fullscreen/FullViewRules.h"
 #include "platform/MoviePlayer.h"
-#include "platform/PictureLoader.h"
+#include "platform/PictureLoaderWait.h"
 #include "viewer/AnimationView.h"
 #include "viewer/PictureView.h"
 #include "viewer/frmMain.h"
@@ -153,7 +153,8 @@ void frmFull::MostraFullImage()
                 && picture.width() < natural.width()) {
                 PictureLoader::Options options;
                 options.fitInto = fitted * devicePixelRatio();
-                const PictureLoader::Picture loaded = PictureLoader::load(path, options);
+                const PictureLoader::Picture loaded =
+                    PictureLoader::loadWithinLimit(path, options, m_state.PictureDecodeLimitMs);
                 if (!loaded.isNull())
                     picture = loaded.image;
             }

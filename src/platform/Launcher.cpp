@@ -9,8 +9,14 @@
 LaunchResult Launcher::openWithDefault(const QString &path)
 {
     // xdg-open has no "--": a relative name starting with "-" would be read
-    // as an option, its absolute path cannot be.
-    return start(QStringLiteral("xdg-open"), {path.startsWith(QLatin1Char('-')) ? QFileInfo(path).absoluteFilePath() : path});
+    // as an option, its absolute path cannot be. Without a working folder
+    // (the browsed one was deleted) Qt leaves the name as it is.
+    QString target = path;
+    if (target.startsWith(QLatin1Char('-')))
+        target = QFileInfo(path).absoluteFilePath();
+    if (target.startsWith(QLatin1Char('-')))
+        target = QStringLiteral("./") + path;
+    return start(QStringLiteral("xdg-open"), {target});
 }
 
 void Launcher::startWatched(const QString &program, const QStringList &arguments, LaunchWatcher done)

@@ -45,7 +45,7 @@ QString decodeText(const QByteArray &bytes)
 QByteArray readHead(const QString &path, qint64 bytes)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return {};
     return file.read(bytes);
 }
@@ -384,7 +384,8 @@ QString playableTarget(const QString &href, const QString &baseFolder)
     const QDir folder = info.absoluteDir();
     if (!folder.exists())
         return {};
-    const QStringList names = folder.entryList(QDir::Files | QDir::Hidden | QDir::System);
+    // No System: a named pipe or a device would block whoever reads it.
+    const QStringList names = folder.entryList(QDir::Files | QDir::Hidden);
     for (const QString &name : names) {
         if (name.compare(info.fileName(), Qt::CaseInsensitive) == 0)
             return folder.filePath(name);

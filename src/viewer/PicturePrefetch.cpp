@@ -1,9 +1,13 @@
 #include "viewer/PicturePrefetch.h"
 
 #include "core/FileTypeCatalogue.h"
+#include "platform/PictureLoaderWait.h"
 #include "viewer/PrefetchRules.h"
 
+#include <QEventLoop>
 #include <QFile>
+#include <QFutureWatcher>
+#include <QTimer>
 #include <QtConcurrent>
 
 #include <algorithm>
@@ -21,12 +25,29 @@ PictureLoader::Picture loadForFit(const QString &path, QSize fitInto)
     return PictureLoader::load(path, options);
 }
 
+// Waits for a decoding ahead as a decoding now would: the window keeps
+// painting, user input waits, and a decoding past the limit is given up.
+bool waitWithinLimit(const QFuture<PictureLoader::Picture> &picture, int limitMs)
+{
+    if (picture.isFinished())
+        return true;
+    QFutureWatcher<PictureLoader::Picture> watcher;
+    QEventLoop loop;
+    QObject::connect(&watcher, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
+    QTimer::singleShot(limitMs, &loop, &QEventLoop::quit);
+    watcher.setFuture(picture);
+    if (!picture.isFinished())
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    return picture.isFinished();
+}
+
 } // namespace
 
 PicturePrefetch::Stamp PicturePrefetch::stampOf(const QString &path)
 {
     struct stat info;
-    if (::stat(QFile::encodeName(path).constData(), &info) != 0)
+    // A pipe or device named like a picture could block a worker for good.
+    if (::stat(QFile::encodeName(path).constData(), &info) != 0 || !S_ISREG(info.st_mode))
         return {};
     return {qint64(info.st_size), qint64(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec,
             quint64(info.st_ino)};
@@ -41,19 +62,26 @@ PicturePrefetch::PicturePrefetch()
 
 PicturePrefetch::~PicturePrefetch() { clear(); }
 
-PictureLoader::Picture PicturePrefetch::obtain(const QString &path, QSize fitInto)
+PictureLoader::Picture PicturePrefetch::obtain(const QString &path, QSize fitInto, int limitMs)
 {
     const Stamp stamp = stampOf(path);
     const auto held = std::find_if(m_entries.begin(), m_entries.end(),
                                    [&](const Entry &entry) { return entry.path == path && entry.fitInto == fitInto; });
     if (held != m_entries.end()) {
         if (held->stamp == stamp && stamp.size >= 0) {
-            ++m_hits;
-            return held->picture.result(); // runs it here if no worker took it yet
+            if (waitWithinLimit(held->picture, limitMs)) {
+                ++m_hits;
+                return held->picture.result();
+            }
+            drop(held);
+            return {};
         }
         drop(held);
     }
-    const PictureLoader::Picture picture = loadForFit(path, fitInto);
+    const PictureLoader::Picture picture = PictureLoader::loadWithinLimit(
+        path, {}, limitMs, [fitInto](const QString &file, const PictureLoader::Options &) { return loadForFit(file, fitInto); });
+    if (picture.isNull())
+        return picture; // maybe given up for time: tried again next time, not held as broken
     if (stamp.size >= 0)
         m_entries.push_back({path, fitInto, stamp, QtFuture::makeReadyFuture(picture),
                              std::make_shared<std::atomic_bool>(true)});

@@ -31,8 +31,9 @@ public:
 
     // The picture of path at fitInto: the one held when the file is
     // unchanged (waiting for its decoding if under way), else decoded now.
-    // Either way it is then held, for going back to it.
-    PictureLoader::Picture obtain(const QString &path, QSize fitInto);
+    // Either way it is then held, for going back to it. A decoding that
+    // takes longer than limitMs gives a null picture.
+    PictureLoader::Picture obtain(const QString &path, QSize fitInto, int limitMs);
 
     // Holds exactly these paths at fitInto: decoding starts for those
     // missing, the others are dropped (jobs not started yet are skipped).

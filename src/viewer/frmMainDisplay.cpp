@@ -8,6 +8,7 @@
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
 #include "platform/PictureLoader.h"
+#include "platform/PictureLoaderWait.h"
 #include "viewer/AnimationView.h"
 #include "viewer/PictureView.h"
 #include "viewer/ViewRules.h"
@@ -167,7 +168,8 @@ void frmMain::resizePicture(QSize shown)
     const QSize held = ImgEgg->picture().size();
     const QSize needed = shown * devicePixelRatio();
     if (held.width() < needed.width() && held.width() < ImgEgg->naturalSize().width()) {
-        const PictureLoader::Picture full = PictureLoader::load(m_state.currentPath());
+        const PictureLoader::Picture full =
+            PictureLoader::loadWithinLimit(m_state.currentPath(), {}, m_state.PictureDecodeLimitMs);
         if (!full.isNull())
             ImgEgg->setPicture(full.image, full.naturalSize);
     }

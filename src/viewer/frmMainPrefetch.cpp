@@ -2,6 +2,7 @@
 
 #include "core/AppState.h"
 #include "platform/PictureLoader.h"
+#include "platform/PictureLoaderWait.h"
 #include "viewer/PicturePrefetch.h"
 #include "viewer/PrefetchRules.h"
 
@@ -21,8 +22,8 @@ PictureLoader::Picture frmMain::loadForDisplay(const QString &path, QSize fitInt
     // Full-size pictures are not held: two of them ahead would cost more
     // memory than the wait they save.
     if (!fitInto.isValid())
-        return PictureLoader::load(path);
-    return prefetch().obtain(path, fitInto);
+        return PictureLoader::loadWithinLimit(path, {}, m_state.PictureDecodeLimitMs);
+    return prefetch().obtain(path, fitInto, m_state.PictureDecodeLimitMs);
 }
 
 void frmMain::prefetchNeighbours()
