@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds and runs the whole test suite; ends with
-# CTest's summary.
+# Installs what is missing, builds and runs the whole test suite (CTest's
+# summary), then runs the parser fuzzers briefly.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh --test
@@ -8,3 +8,7 @@ cmake -S . -B build-tests -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
 cmake --build build-tests
 cd build-tests
 QT_QPA_PLATFORM=offscreen ctest --output-on-failure --timeout 600 "$@"
+
+# The parsers' fuzzers, ten seconds each (a clang build of just those).
+cd ..
+tests/fuzz/run.sh 10
