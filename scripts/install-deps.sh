@@ -9,7 +9,8 @@ packages=(build-essential cmake ninja-build pkg-config
           qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins xdg-utils)
 if [[ "${1:-}" == "--test" ]]; then
     packages+=(libgtest-dev libgmock-dev xvfb xauth xdotool xclip imagemagick poppler-utils
-               ffmpeg dvdauthor exiv2 libjpeg-turbo-progs libvips-tools desktop-file-utils)
+               ffmpeg dvdauthor exiv2 libjpeg-turbo-progs libvips-tools desktop-file-utils
+               clang libclang-rt-14-dev)
 fi
 
 missing=()

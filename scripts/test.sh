@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds and runs the whole test suite; ends with
-# CTest's summary.
+# Installs what is missing, builds and runs the whole test suite (CTest's
+# summary), then the suites that read files under the sanitizers, then the
+# parser fuzzers briefly.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh --test
@@ -12,3 +13,6 @@ QT_QPA_PLATFORM=offscreen ctest --output-on-failure --timeout 600 "$@"
 # The suites that read files again, under AddressSanitizer and UBSan.
 cd ..
 scripts/test-sanitized.sh
+
+# The parsers' fuzzers, ten seconds each (a clang build of just those).
+tests/fuzz/run.sh 10

@@ -1,12 +1,14 @@
 #include "index/ThumbnailCache.h"
 #include "index/ThumbnailDecoder.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QtEndian>
 
 #include <gtest/gtest.h>
 
@@ -155,4 +157,50 @@ TEST(ThumbnailDecoder, CancelledRequestsReportNothing)
     ASSERT_EQ(ready.size(), 1);
     EXPECT_EQ(ready.first().first().value<ThumbnailDecoder::Result>().cell, 0);
     EXPECT_EQ(done.size(), 1);
+}
+
+TEST(ThumbnailCache, EntriesClaimingMoreThanTheyHoldAreNotDecoded)
+{
+    QTemporaryDir dir;
+    ThumbnailCache cache(dir.path() + "/thumbnails");
+    const QString picture = makeJpeg(dir.path(), "photo.jpg", QSize(600, 300));
+    const QString target = cache.thumbnailPath(picture, ThumbnailCache::Flavour::Normal);
+    QDir().mkpath(QFileInfo(target).absolutePath());
+    const auto thumbnailBytes = [&](QSize size) {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(Qt::blue);
+        image.setText("Thumb::URI", QString::fromUtf8(ThumbnailCache::uriOf(picture)));
+        image.setText("Thumb::MTime", QString::number(QFileInfo(picture).lastModified().toSecsSinceEpoch()));
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        image.save(&buffer, "PNG");
+        return bytes;
+    };
+    // The length of the first text chunk (after the signature and IHDR).
+    const auto withHugeChunk = [](QByteArray bytes) {
+        const qsizetype text = bytes.indexOf("tEXt");
+        if (text >= 4)
+            qToBigEndian<quint32>(0x43000018, bytes.data() + text - 4);
+        return bytes;
+    };
+    struct Case {
+        const char *what;
+        QByteArray bytes;
+        bool used;
+    };
+    const Case cases[] = {
+        {"an intact thumbnail", thumbnailBytes(QSize(128, 64)), true},
+        {"larger than its flavour allows", thumbnailBytes(QSize(600, 300)), false},
+        {"a chunk longer than the file", withHugeChunk(thumbnailBytes(QSize(128, 64))), false},
+        {"no PNG at all", QByteArray("GIF89a") + QByteArray(100, '\0'), false},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.what);
+        QFile file(target);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(c.bytes);
+        file.close();
+        EXPECT_EQ(!cache.read(picture, ThumbnailCache::Flavour::Normal).isNull(), c.used);
+    }
 }

@@ -1,5 +1,6 @@
 #include "index/ThumbnailCache.h"
 
+#include <QBuffer>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
@@ -8,6 +9,7 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrl>
+#include <QtEndian>
 
 namespace {
 
@@ -20,6 +22,30 @@ const QString HeightKey = QStringLiteral("Thumb::Image::Height");
 QString mtimeText(const QFileInfo &info)
 {
     return QString::number(info.lastModified().toSecsSinceEpoch());
+}
+
+// Thumbnails are a few kilobytes; anything far larger is not one.
+constexpr qint64 LargestThumbnailFile = 4 * 1024 * 1024;
+
+// Whether every PNG chunk lies within the file. libpng allocates what a
+// chunk's length claims before it reads, so a flipped length byte in a
+// small file would cost a gigabyte.
+bool chunksFit(const QByteArray &png)
+{
+    constexpr qsizetype SignatureBytes = 8;
+    constexpr qsizetype ChunkFrameBytes = 12; // length, type, CRC
+    if (!png.startsWith("\x89PNG\r\n\x1a\n"))
+        return false;
+    qsizetype at = SignatureBytes;
+    while (at + ChunkFrameBytes <= png.size()) {
+        const qint64 length = qFromBigEndian<quint32>(png.constData() + at);
+        if (length > png.size() - at - ChunkFrameBytes)
+            return false;
+        if (png.mid(at + 4, 4) == "IEND")
+            return true;
+        at += ChunkFrameBytes + length;
+    }
+    return false;
 }
 
 } // namespace
@@ -53,7 +79,19 @@ ThumbnailCache::Entry ThumbnailCache::read(const QString &absolutePath, Flavour 
     const QFileInfo file(absolutePath);
     if (!file.exists())
         return {};
-    QImageReader reader(thumbnailPath(absolutePath, flavour), "png");
+    QFile stored(thumbnailPath(absolutePath, flavour));
+    if (!stored.open(QIODevice::ReadOnly) || stored.size() > LargestThumbnailFile)
+        return {};
+    QByteArray bytes = stored.readAll();
+    if (!chunksFit(bytes))
+        return {};
+    QBuffer buffer(&bytes);
+    QImageReader reader(&buffer, "png");
+    // Checked before decoding: a broken or hostile entry claiming a huge
+    // picture would cost seconds and a gigabyte for a tiny thumbnail.
+    const QSize claimed = reader.size();
+    if (!claimed.isValid() || claimed.width() > maxSide(flavour) || claimed.height() > maxSide(flavour))
+        return {};
     QImage image = reader.read();
     if (image.isNull())
         return {};

@@ -17,10 +17,12 @@ namespace {
 
 constexpr quint32 HeaderRecord = 1;
 constexpr quint32 EmfSignature = 0x464D4520; // " EMF"
+constexpr quint32 EndOfFileRecord = 14;
 constexpr qsizetype SmallestHeader = 88;
 constexpr double ScreenDpi = 96.0;
 constexpr double MillimetresPerInch = 25.4;
 constexpr qint64 LargestFrame = 10'000'000; // 100 m in 0.01 mm: anything beyond is garbage
+constexpr double LargestCoordinate = 1e9;
 
 qint32 s32At(const QByteArray &bytes, qsizetype at)
 {
@@ -72,8 +74,63 @@ std::optional<Geometry> geometryOf(const QByteArray &file)
     } else {
         return std::nullopt;
     }
+    // The frame goes back into the header as 32-bit integers.
+    const QRectF &device = geometry.frameInDevice;
+    for (const double coordinate : {device.left(), device.top(), device.right(), device.bottom()})
+        if (!(std::abs(coordinate) < LargestCoordinate))
+            return std::nullopt;
     geometry.naturalSize = geometry.naturalSize.expandedTo(QSize(1, 1));
     return geometry;
+}
+
+quint32 u32At(const QByteArray &bytes, qsizetype at)
+{
+    return qFromLittleEndian<quint32>(bytes.constData() + at);
+}
+
+// libemf2svg trusts the offsets and sizes in the file and reads past its end
+// when they lie. Only the records that fit are passed on, and header parts
+// that point outside the header are dropped; false when not even the header
+// fits.
+bool keepSoundParts(QByteArray &bytes)
+{
+    const qint64 headerSize = u32At(bytes, 4);
+    if (headerSize < SmallestHeader || headerSize > bytes.size() || headerSize % 4 != 0)
+        return false;
+    const auto dropUnlessInside = [&](qsizetype countAt, qsizetype offsetAt, qint64 unitBytes) {
+        const qint64 count = u32At(bytes, countAt);
+        const qint64 offset = u32At(bytes, offsetAt);
+        if ((count || offset) && (offset < SmallestHeader || offset + count * unitBytes > headerSize)) {
+            qToLittleEndian<quint32>(0, bytes.data() + countAt);
+            qToLittleEndian<quint32>(0, bytes.data() + offsetAt);
+        }
+    };
+    dropUnlessInside(60, 64, 2); // the description, UTF-16
+    if (headerSize >= 100)
+        dropUnlessInside(88, 92, 1); // the pixel format
+    qint64 at = 0;
+    quint32 records = 0;
+    while (at + 8 <= bytes.size()) {
+        const qint64 size = u32At(bytes, at + 4);
+        if (size < 8 || size % 4 != 0 || at + size > bytes.size())
+            break;
+        at += size;
+        ++records;
+        if (u32At(bytes, at - size) == EndOfFileRecord) {
+            bytes.truncate(at);
+            return true;
+        }
+    }
+    // Ended as a complete file would, so that what came before is drawn.
+    bytes.truncate(at);
+    const quint32 endOfFile[] = {EndOfFileRecord, 20, 0, 16, 20}; // no palette
+    for (const quint32 field : endOfFile) {
+        bytes.resize(bytes.size() + 4);
+        qToLittleEndian<quint32>(field, bytes.data() + bytes.size() - 4);
+    }
+    qToLittleEndian<quint32>(quint32(bytes.size()), bytes.data() + 48);
+    qToLittleEndian<quint32>(records + 1, bytes.data() + 52);
+    return true;
 }
 
 // The shift libemf2svg puts on everything it draws (minus the bounds' origin).
@@ -111,6 +168,8 @@ Conversion convert(const QByteArray &file)
     // empty or smaller than the frame; give it the frame instead, so that
     // nothing inside the frame is cut off and no zero size divides.
     QByteArray bytes = file;
+    if (!keepSoundParts(bytes))
+        return result;
     const QRect frame = geometry->frameInDevice.toAlignedRect();
     qToLittleEndian<qint32>(frame.left(), bytes.data() + 8);
     qToLittleEndian<qint32>(frame.top(), bytes.data() + 12);

@@ -453,6 +453,20 @@ int stopWhenLate(void *context, float)
     return std::chrono::steady_clock::now() > static_cast<const Session *>(context)->deadline ? 1 : 0;
 }
 
+// libwmf allocates the largest record the header claims, up to 8 GB, before
+// it reads one; no record can be longer than the file, so neither is that.
+void boundLargestRecord(std::vector<unsigned char> &bytes)
+{
+    const std::size_t header = bytes.size() >= 4 && read32(bytes.data()) == PlaceableKey ? PlaceableHeaderSize : 0;
+    constexpr std::size_t LargestRecordAt = 12;
+    if (bytes.size() < header + LargestRecordAt + 4)
+        return;
+    unsigned char *field = bytes.data() + header + LargestRecordAt;
+    const std::uint32_t words = std::uint32_t(std::min<std::size_t>(read32(field), (bytes.size() - header) / 2));
+    for (int i = 0; i < 4; ++i)
+        field[i] = static_cast<unsigned char>(words >> (8 * i));
+}
+
 } // namespace
 
 bool isWmf(const unsigned char *bytes, std::size_t size)
@@ -510,6 +524,7 @@ Outcome play(const unsigned char *bytes, std::size_t size, int maxWidth, int max
     wmf_status_function(api, &session, stopWhenLate);
 
     std::vector<unsigned char> writable(bytes, bytes + size); // libwmf wants a writable buffer
+    boundLargestRecord(writable);
     wmfD_Rect box;
     if (wmf_mem_open(api, writable.data(), long(writable.size())) != wmf_E_None || wmf_scan(api, 0, &box) != wmf_E_None)
         return outcome;

@@ -151,7 +151,12 @@ QString decodeText(const std::string &bytes, const Font &font)
 // that average character width, as GDI does; *stretch gets the factor.
 QFont qtFont(const Font &font, double *stretch)
 {
-    QFont result(isSymbolFont(font) ? QStringLiteral("Symbol") : decodeText(font.face, font));
+    QFont result;
+    // Not QFont(""): Qt crashes recording a font without a family onto a QPicture.
+    if (isSymbolFont(font))
+        result.setFamily(QStringLiteral("Symbol"));
+    else if (const QString face = decodeText(font.face, font); !face.trimmed().isEmpty())
+        result.setFamily(face);
     result.setPixelSize(std::max(1, int(std::lround(font.pixelHeight))));
     result.setWeight(QFont::Weight(std::clamp(font.weight, 1, 1000)));
     result.setItalic(font.italic);

@@ -1,0 +1,182 @@
+#include "fuzz/FuzzTargets.h"
+
+#include "core/ProfileReader.h"
+#include "index/ThumbnailCache.h"
+#include "platform/EmfRenderer.h"
+#include "platform/MoviePlaylist.h"
+#include "platform/RleBitmapDecoder.h"
+#include "platform/WmfRenderer.h"
+#include "system/MimeAppsList.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+namespace FuzzTargets {
+
+namespace {
+
+// Small bounds keep each run quick; the parsers see the same bytes either way.
+const QSize PaintBound(512, 512);
+constexpr qint64 MaxRlePixels = 4'000'000;
+constexpr int MetafileTimeLimitMs = 2000;
+
+// A broken promise of the parser, not a crash: the fuzzer must still stop.
+void require(bool condition, const char *what)
+{
+    if (!condition) {
+        std::fprintf(stderr, "broken: %s\n", what);
+        std::abort();
+    }
+}
+
+QString scratchFolder()
+{
+    static QTemporaryDir folder;
+    return folder.path();
+}
+
+bool writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
+}
+
+// The thumbnailed picture sits at a fixed path with a fixed time and size,
+// so that the seeds' Thumb::URI, Thumb::MTime and Thumb::Size can match.
+const QString ThumbnailedPicture = QStringLiteral("/tmp/vimora-fuzz-picture.png");
+const QDateTime ThumbnailedTime = QDateTime::fromSecsSinceEpoch(1'000'000'000);
+
+} // namespace
+
+void rleBitmap(const QByteArray &input)
+{
+    if (!RleBitmapDecoder::isRleBitmap(input))
+        return;
+    const QSize size = RleBitmapDecoder::sizeOf(input);
+    const QImage image = RleBitmapDecoder::decode(input, MaxRlePixels);
+    require(image.isNull() || image.size() == size, "the RLE picture has the header's size");
+    require(image.isNull() || qint64(image.width()) * image.height() <= MaxRlePixels, "the RLE pixel limit");
+}
+
+void wmf(const QByteArray &input)
+{
+    if (!WmfRenderer::isWmf(input))
+        return;
+    WmfRenderer::naturalSizeOf(input);
+    const WmfRenderer::Recording recording = WmfRenderer::record(input, PaintBound, MetafileTimeLimitMs);
+    if (recording.isNull())
+        return;
+    require(recording.size.width() <= PaintBound.width() && recording.size.height() <= PaintBound.height(),
+            "the WMF picture fits the bound");
+    WmfRenderer::paint(recording);
+}
+
+void emf(const QByteArray &input)
+{
+    if (!EmfRenderer::isEmf(input))
+        return;
+    EmfRenderer::naturalSizeOf(input);
+    const EmfRenderer::Conversion conversion = EmfRenderer::convert(input);
+    if (conversion.isNull())
+        return;
+    const QImage image = EmfRenderer::paint(conversion, PaintBound);
+    require(image.width() <= PaintBound.width() && image.height() <= PaintBound.height(),
+            "the EMF picture fits the bound");
+}
+
+void moviePlaylist(const QByteArray &input)
+{
+    const QString folder = scratchFolder();
+    static const bool filled = [&] {
+        // Entries that exist, one in a different case, and a playlist that
+        // names the one under test back.
+        QDir(folder).mkpath(QStringLiteral("Clips"));
+        return writeFile(folder + QStringLiteral("/Clips/Movie.MPG"), "movie")
+            && writeFile(folder + QStringLiteral("/clip.avi"), "clip")
+            && writeFile(folder + QStringLiteral("/other.asx"),
+                         "<asx version=\"3.0\"><entry><ref href=\"list.asx\"/></entry></asx>");
+    }();
+    require(filled, "the playlist folder is made");
+    MoviePlaylist::asxEntries(input, folder);
+    MoviePlaylist::referenceEntries(input, folder);
+    MoviePlaylist::textListEntries(input, folder);
+    // The whole path too: sniffing, and playlists that name playlists.
+    const QString list = folder + (input.size() % 2 ? QStringLiteral("/list.asx") : QStringLiteral("/list.ram"));
+    if (writeFile(list, input))
+        MoviePlaylist::resolve(list);
+}
+
+void messageFile(const QByteArray &input)
+{
+    const QString text = ProfileReader::decode(input);
+    static const std::array<std::pair<QString, QString>, 4> lookups = {{
+        {QStringLiteral("msgIT"), QStringLiteral("2")},
+        {QStringLiteral("msgIT"), QStringLiteral("299")},
+        {QStringLiteral(" msgit "), QStringLiteral(" 17 ")},
+        {QString(), QString()},
+    }};
+    const QString fallback = QStringLiteral("\x01");
+    for (const auto &[section, key] : lookups) {
+        const QString value = ProfileReader::findValue(text, section, key, fallback);
+        require(value == fallback || value.size() <= ProfileReader::MaxValueLength, "a message is cut at 299");
+    }
+}
+
+void mimeApps(const QByteArray &input)
+{
+    const QString group = QStringLiteral("Default Applications");
+    const QString key = QStringLiteral("image/png");
+    const QString ours = QStringLiteral("vimora.desktop");
+    MimeAppsList list = MimeAppsList::fromText(QString::fromUtf8(input));
+    list.value(QStringLiteral("Added Associations"), key);
+    list.setValue(group, key, ours);
+    require(list.value(group, key) == ours, "a value set reads back");
+    const MimeAppsList reread = MimeAppsList::fromText(list.toText());
+    require(reread.value(group, key) == ours, "a value set survives saving");
+    list.remove(group, key);
+    list.setValue(QStringLiteral("Removed Associations"), key, ours);
+    list.toText();
+}
+
+void thumbnailCache(const QByteArray &input)
+{
+    static const bool pictureReady = [] {
+        if (!QFile::exists(ThumbnailedPicture) && !writeFile(ThumbnailedPicture, "picture"))
+            return false;
+        QFile picture(ThumbnailedPicture);
+        return picture.open(QIODevice::ReadWrite)
+            && picture.setFileTime(ThumbnailedTime, QFileDevice::FileModificationTime);
+    }();
+    require(pictureReady, "the thumbnailed picture is made");
+    const ThumbnailCache cache(scratchFolder() + QStringLiteral("/thumbnails"));
+    const QString thumbnail = cache.thumbnailPath(ThumbnailedPicture, ThumbnailCache::Flavour::Normal);
+    QDir().mkpath(QFileInfo(thumbnail).absolutePath());
+    if (!writeFile(thumbnail, input))
+        return;
+    const ThumbnailCache::Entry entry = cache.read(ThumbnailedPicture, ThumbnailCache::Flavour::Normal);
+    require(entry.isNull() || !entry.naturalSize.isValid() || !entry.naturalSize.isEmpty(),
+            "a recorded natural size is a size");
+}
+
+std::span<const Target> all()
+{
+    static const std::array<Target, 7> targets = {{
+        {"rle", rleBitmap},
+        {"wmf", wmf},
+        {"emf", emf},
+        {"playlist", moviePlaylist},
+        {"message_file", messageFile},
+        {"mimeapps", mimeApps},
+        {"thumbnail_cache", thumbnailCache},
+    }};
+    return targets;
+}
+
+} // namespace FuzzTargets
