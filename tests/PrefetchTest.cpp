@@ -1,3 +1,4 @@
+#include "support/HangingFile.h"
 #include "support/MainWindowFixture.h"
 
 #include "platform/PictureLoader.h"
@@ -9,8 +10,6 @@
 #include <QImage>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
-
-#include <sys/stat.h>
 
 namespace {
 
@@ -110,8 +109,9 @@ TEST(PicturePrefetch, GivesWhatTheLoaderGivesIncludingBadFiles)
 TEST(PicturePrefetch, APipeNamedLikeAPictureIsNeverDecodedAheadNorWaitedForBeyondTheLimit)
 {
     QTemporaryDir dir;
-    const QString pipe = dir.filePath(QStringLiteral("hang.jpg"));
-    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const HangingFile hanging(dir.filePath(QStringLiteral("hang.jpg")));
+    ASSERT_TRUE(hanging.made);
+    const QString &pipe = hanging.path;
 
     PicturePrefetch prefetch;
     prefetch.hold({pipe}, QSize(400, 300));
@@ -122,10 +122,6 @@ TEST(PicturePrefetch, APipeNamedLikeAPictureIsNeverDecodedAheadNorWaitedForBeyon
     EXPECT_TRUE(prefetch.obtain(pipe, QSize(400, 300), 300).isNull());
     EXPECT_LT(clock.elapsed(), 3000);
     EXPECT_EQ(prefetch.heldCount(), 0);
-    // Let the reader stuck on the pipe go.
-    QFile writer(pipe);
-    if (writer.open(QIODevice::WriteOnly))
-        writer.close();
 }
 
 TEST(PicturePrefetch, DropsWhatIsNoLongerWanted)

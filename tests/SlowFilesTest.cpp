@@ -1,3 +1,4 @@
+#include "support/HangingFile.h"
 #include "support/MainWindowFixture.h"
 
 #include "platform/MoviePlayer.h"
@@ -29,31 +30,6 @@ struct HeldDecode {
         };
     }
     ~HeldDecode() { *released = true; }
-};
-
-// A named pipe: opening it for reading waits until a writer comes, like a
-// file on a hung network share. Letting go opens and closes the writing end.
-struct HangingFile {
-    explicit HangingFile(const QString &path) : path(path)
-    {
-        made = ::mkfifo(QFile::encodeName(path).constData(), 0600) == 0;
-    }
-    void letGo() const
-    {
-        const int writer = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_NONBLOCK);
-        if (writer >= 0)
-            ::close(writer);
-    }
-    ~HangingFile()
-    {
-        // Until the reader gives up, which is at once after the writer closes.
-        for (int i = 0; i < 200 && made; ++i) {
-            letGo();
-            ::usleep(5000);
-        }
-    }
-    QString path;
-    bool made = false;
 };
 
 } // namespace
