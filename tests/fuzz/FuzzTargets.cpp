@@ -1,6 +1,7 @@
 #include "fuzz/FuzzTargets.h"
 
 #include "core/ProfileReader.h"
+#include "index/ExifThumbnail.h"
 #include "index/ThumbnailCache.h"
 #include "platform/EmfRenderer.h"
 #include "platform/MoviePlaylist.h"
@@ -165,9 +166,21 @@ void thumbnailCache(const QByteArray &input)
             "a recorded natural size is a size");
 }
 
+void exifThumbnail(const QByteArray &input)
+{
+    const ExifThumbnail::Found found = ExifThumbnail::find(input);
+    require(found.orientation >= 1 && found.orientation <= 8, "EXIF orientation out of 1..8");
+    require(found.jpeg.isEmpty() || input.contains(found.jpeg), "EXIF thumbnail not taken from the input");
+    // The index turns what it decoded; a tiny picture keeps the run quick.
+    QImage stored(3, 2, QImage::Format_RGB32);
+    stored.fill(Qt::red);
+    const QImage seen = ExifThumbnail::oriented(stored, found.orientation);
+    require(seen.size() == stored.size() || seen.size() == stored.size().transposed(), "orientation changed the size");
+}
+
 std::span<const Target> all()
 {
-    static const std::array<Target, 7> targets = {{
+    static const std::array<Target, 8> targets = {{
         {"rle", rleBitmap},
         {"wmf", wmf},
         {"emf", emf},
@@ -175,6 +188,7 @@ std::span<const Target> all()
         {"message_file", messageFile},
         {"mimeapps", mimeApps},
         {"thumbnail_cache", thumbnailCache},
+        {"exif", exifThumbnail},
     }};
     return targets;
 }

@@ -23,6 +23,7 @@ void moviePlaylist(const QByteArray &input);
 void messageFile(const QByteArray &input);
 void mimeApps(const QByteArray &input);
 void thumbnailCache(const QByteArray &input);
+void exifThumbnail(const QByteArray &input);
 
 std::span<const Target> all();
 

@@ -10,7 +10,7 @@ cd "$(dirname "$0")/../.."
 seconds=${1:-60}
 shift || true
 targets=("$@")
-[[ ${#targets[@]} -eq 0 ]] && targets=(rle wmf emf playlist message_file mimeapps thumbnail_cache)
+[[ ${#targets[@]} -eq 0 ]] && targets=(rle wmf emf playlist message_file mimeapps thumbnail_cache exif)
 build=${FUZZ_BUILD_DIR:-build-fuzz}
 
 if [[ ! -f $build/CMakeCache.txt ]]; then
