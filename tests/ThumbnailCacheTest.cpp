@@ -35,7 +35,7 @@ void setMTime(const QString &path, time_t seconds)
 
 TEST(ThumbnailCache, NamesThumbnailsByTheMd5OfTheUri)
 {
-    // The example of the freedesktop thumbnail specification.
+    // The worked example of the freedesktop thumbnail rules, so file managers share our files.
     ThumbnailCache cache("/cache/thumbnails");
     EXPECT_EQ(cache.thumbnailPath("/home/jens/photos/me.png", ThumbnailCache::Flavour::Normal),
               "/cache/thumbnails/normal/c6ee772d9e49320e97ec29a7eb5b1697.png");
