@@ -18,7 +18,8 @@ constexpr qint64 ExifSearchBytes = 128 * 1024;
 PictureLoader::Picture fromExifThumbnail(const QString &path, int side)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    // Only a JPEG carries one: other pictures are not read twice for it.
+    if (!file.open(QIODevice::ReadOnly) || file.peek(2) != QByteArrayLiteral("\xFF\xD8"))
         return {};
     const ExifThumbnail::Found found = ExifThumbnail::find(file.read(ExifSearchBytes));
     file.close();
