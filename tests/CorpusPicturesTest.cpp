@@ -16,7 +16,7 @@
 #include <iostream>
 #include <optional>
 
-// Every picture file of the shared corpus against what its folder's README
+// Every picture file of the test corpus against what its folder's README
 // says: "show" must decode at its true size, "refuse cleanly" must give a
 // null picture, "either" must only come back, and in time.
 
