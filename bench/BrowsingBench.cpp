@@ -98,10 +98,12 @@ void nextPictureBench(BenchTable &table);    // picture_walk_bench.cpp
 void commandLineFileBench(BenchTable &table);
 void memoryWalkBench(BenchTable &table);
 void startupBench(BenchTable &table);
+void peerBench(BenchTable &table); // peer_bench.cpp
 
 QList<Bench> allBenches()
 {
     return {{"listing", folderListingBench}, {"fit-display", fitDisplayBench}, {"zoom-pan", zoomAndPanBench},
             {"thumbnail-page", thumbnailPageBench}, {"next", nextPictureBench},
-            {"command-line", commandLineFileBench}, {"memory", memoryWalkBench}, {"startup", startupBench}};
+            {"command-line", commandLineFileBench}, {"memory", memoryWalkBench}, {"startup", startupBench},
+            {"peers", peerBench}};
 }

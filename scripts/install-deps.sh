@@ -2,15 +2,20 @@
 # Installs the Debian 12 packages Vimora needs that are not there yet.
 #   scripts/install-deps.sh          build and run
 #   scripts/install-deps.sh --test   also what the test suite uses
+#   scripts/install-deps.sh --bench  also the other viewers the bench compares with
 set -euo pipefail
 
 packages=(build-essential cmake ninja-build pkg-config
           qt6-base-dev qt6-svg-dev libmpv-dev libemf2svg-dev libwmf-dev
-          qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins xdg-utils)
-if [[ "${1:-}" == "--test" ]]; then
+          qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins xdg-utils libxcb1-dev)
+if [[ "${1:-}" == "--test" || "${1:-}" == "--bench" ]]; then
     packages+=(libgtest-dev libgmock-dev xvfb xauth xdotool xclip imagemagick poppler-utils
                ffmpeg dvdauthor exiv2 libjpeg-turbo-progs libvips-tools desktop-file-utils
                clang libclang-rt-14-dev)
+fi
+# The viewers the bench measures Vimora against, and a desktop to run them in.
+if [[ "${1:-}" == "--bench" ]]; then
+    packages+=(openbox dbus-daemon feh nsxiv qimgv eog)
 fi
 
 missing=()
