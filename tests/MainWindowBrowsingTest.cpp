@@ -5,6 +5,7 @@
 #include <QFileSystemModel>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QSettings>
 #include <QTest>
 #include <QToolButton>
@@ -236,13 +237,18 @@ TEST(MainWindowBrowsing, UnreadableFolderAsksRetryThenListsNothing)
     EXPECT_TRUE(fixture.state->listIsEmpty());
 }
 
-TEST(MainWindowBrowsing, FitModeDecodesSmallAndActualSizeReloadsInFull)
+TEST(MainWindowBrowsing, FitModeDecodesSmallAndActualSizeDecodesOnlyWhatShows)
 {
     MainWindowFixture fixture;
     const QString folder = fixture.makeFolder("large");
+    // Cyan on the left, magenta from x = 1200 on, so a pan shows which part is drawn.
     QImage large(4000, 3000, QImage::Format_RGB32);
     large.fill(Qt::darkCyan);
-    ASSERT_TRUE(large.save(folder + "/large.jpg", "JPEG"));
+    {
+        QPainter painter(&large);
+        painter.fillRect(1200, 0, 2800, 3000, Qt::magenta);
+    }
+    ASSERT_TRUE(large.save(folder + "/large.jpg", "JPEG", 95));
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/large.jpg");
     window.resize(1000, 800);
@@ -254,7 +260,23 @@ TEST(MainWindowBrowsing, FitModeDecodesSmallAndActualSizeReloadsInFull)
     EXPECT_TRUE(window.LabPix->text().startsWith(" 4000 x 3000 ("));
 
     window.mnuFull_Click();
-    EXPECT_EQ(window.ImgEgg->picture().size(), QSize(4000, 3000));
     EXPECT_EQ(window.ImgEgg->size(), QSize(4000, 3000));
     EXPECT_EQ(window.LabZoom->text(), " 100% ");
+    EXPECT_TRUE(window.ImgEgg->holdsPart());
+    EXPECT_FALSE(window.ImgEgg->lacksPixels());
+    EXPECT_LT(qint64(window.ImgEgg->picture().width()) * window.ImgEgg->picture().height(), 4000 * 3000 / 4);
+
+    // Dragged to the left as a user pans: the part that comes into view is decoded.
+    const QPoint from(900, 300);
+    const QPoint to(100, 100);
+    QTest::mousePress(window.ImgEgg, Qt::LeftButton, {}, from);
+    QTest::mouseMove(window.ImgEgg, to);
+    QTest::mouseRelease(window.ImgEgg, Qt::LeftButton, {}, to);
+    ASSERT_LT(window.ImgEgg->x(), -500);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window.ImgEgg->lacksPixels(); }, 5000));
+    const QPoint magentaOnScreen = window.ImgEgg->mapTo(&window, QPoint(1900, 500));
+    ASSERT_TRUE(window.rect().contains(magentaOnScreen));
+    const QColor drawn = window.grab().toImage().pixelColor(magentaOnScreen);
+    EXPECT_GT(drawn.red(), 200);
+    EXPECT_LT(drawn.green(), 60);
 }

@@ -508,3 +508,29 @@ TEST(PictureLoading, AsynchronousLoadGivesTheSamePicture)
     EXPECT_EQ(later.naturalSize, direct.naturalSize);
     EXPECT_EQ(differingPixels(later.image, direct.image), 0);
 }
+
+TEST(PictureLoading, APartOfAnUprightJpegIsCutAndOtherPicturesComeWhole)
+{
+    PictureLoader::Options options;
+    options.part = QRect(100, 40, 80, 60);
+    const QString jpeg = corpusFile("libjpeg-turbo/testorig.jpg");
+    const PictureLoader::Picture part = PictureLoader::load(jpeg, options);
+    EXPECT_EQ(part.naturalSize, QSize(227, 149));
+    EXPECT_EQ(part.part, options.part);
+    ASSERT_EQ(part.image.size(), QSize(80, 60));
+    EXPECT_LT(meanDifference(part.image, PictureLoader::load(jpeg).image.copy(options.part)), 3.0);
+
+    // Reaching past the edge: cut at the edge.
+    options.part = QRect(200, 100, 100, 100);
+    EXPECT_EQ(PictureLoader::load(jpeg, options).part, QRect(200, 100, 27, 49));
+
+    // A turned JPEG's stored rows are not the shown ones, and a BMP has no partial decoding: both whole.
+    options.part = QRect(0, 0, 10, 10);
+    const PictureLoader::Picture turned =
+        PictureLoader::load(corpusFile("pillow-tests/hopper_orientation_6.jpg"), options);
+    EXPECT_FALSE(turned.part.isValid());
+    EXPECT_EQ(turned.image.size(), turned.naturalSize);
+    const PictureLoader::Picture bitmap = PictureLoader::load(corpusFile("pillow-tests/bmp/g/pal8rle.bmp"), options);
+    EXPECT_FALSE(bitmap.part.isValid());
+    EXPECT_EQ(bitmap.image.size(), QSize(127, 64));
+}

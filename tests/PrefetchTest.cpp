@@ -88,21 +88,21 @@ TEST(PicturePrefetch, GivesWhatTheLoaderGivesIncludingBadFiles)
     file.close();
 
     PicturePrefetch prefetch;
-    prefetch.hold({large, bad, dir.filePath("missing.jpg")}, QSize(400, 300));
+    prefetch.hold({large, bad, dir.filePath("missing.jpg")}, PicturePrefetch::Target::fitted(QSize(400, 300)));
     prefetch.waitForIdle();
     EXPECT_EQ(prefetch.heldCount(), 2); // nothing to hold for a missing file
 
     PictureLoader::Options options;
     options.fitInto = QSize(400, 300);
     const PictureLoader::Picture direct = PictureLoader::load(large, options);
-    const PictureLoader::Picture held = prefetch.obtain(large, QSize(400, 300), DecodeLimitMs);
+    const PictureLoader::Picture held = prefetch.obtain(large, PicturePrefetch::Target::fitted(QSize(400, 300)), DecodeLimitMs);
     EXPECT_EQ(held.image, direct.image);
     EXPECT_EQ(held.naturalSize, QSize(1600, 1200));
-    EXPECT_TRUE(prefetch.obtain(bad, QSize(400, 300), DecodeLimitMs).isNull());
+    EXPECT_TRUE(prefetch.obtain(bad, PicturePrefetch::Target::fitted(QSize(400, 300)), DecodeLimitMs).isNull());
     EXPECT_EQ(prefetch.hits(), 2);
 
     // Another window size is another picture.
-    EXPECT_EQ(prefetch.obtain(large, QSize(200, 150), DecodeLimitMs).image.size(), QSize(200, 150));
+    EXPECT_EQ(prefetch.obtain(large, PicturePrefetch::Target::fitted(QSize(200, 150)), DecodeLimitMs).image.size(), QSize(200, 150));
     EXPECT_EQ(prefetch.hits(), 2);
 }
 
@@ -114,12 +114,12 @@ TEST(PicturePrefetch, APipeNamedLikeAPictureIsNeverDecodedAheadNorWaitedForBeyon
     const QString &pipe = hanging.path;
 
     PicturePrefetch prefetch;
-    prefetch.hold({pipe}, QSize(400, 300));
+    prefetch.hold({pipe}, PicturePrefetch::Target::fitted(QSize(400, 300)));
     EXPECT_EQ(prefetch.heldCount(), 0); // a worker blocked on it would never come back
 
     QElapsedTimer clock;
     clock.start();
-    EXPECT_TRUE(prefetch.obtain(pipe, QSize(400, 300), 300).isNull());
+    EXPECT_TRUE(prefetch.obtain(pipe, PicturePrefetch::Target::fitted(QSize(400, 300)), 300).isNull());
     EXPECT_LT(clock.elapsed(), 3000);
     EXPECT_EQ(prefetch.heldCount(), 0);
 }
@@ -132,7 +132,7 @@ TEST(PicturePrefetch, DropsWhatIsNoLongerWanted)
         paths.append(savePicture(dir.filePath(QStringLiteral("p%1.bmp").arg(i)), QSize(64, 48), Qt::red));
     PicturePrefetch prefetch;
     for (int i = 1; i < 5; ++i)
-        prefetch.hold(paths.mid(i - 1, 3), QSize(32, 24)); // walking along
+        prefetch.hold(paths.mid(i - 1, 3), PicturePrefetch::Target::fitted(QSize(32, 24))); // walking along
     EXPECT_EQ(prefetch.heldCount(), 3);
     prefetch.hold({}, {});
     EXPECT_EQ(prefetch.heldCount(), 0);

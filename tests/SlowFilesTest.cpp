@@ -26,7 +26,7 @@ struct HeldDecode {
         return [flag = released, image](const QString &, const PictureLoader::Options &) {
             while (!*flag)
                 ::usleep(1000);
-            return PictureLoader::Picture{image, image.size()};
+            return PictureLoader::Picture{image, image.size(), {}};
         };
     }
     ~HeldDecode() { *released = true; }

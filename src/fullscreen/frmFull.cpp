@@ -146,11 +146,12 @@ void frmFull::MostraFullImage()
         const QSize natural = shown.naturalSize().isEmpty() ? shown.picture().size() : shown.naturalSize();
         const QSize fitted = FullViewRules::fittedSize(natural, size());
         // The main window may hold a picture decoded smaller than the
-        // screen needs: decode it again at the screen's size.
+        // screen needs, or only a part of it: decode it at the screen's size.
         if (path != m_shownPath || ImgEgg->picture().size() != shown.picture().size()) {
             QImage picture = shown.picture();
-            if (!fitted.isEmpty() && picture.width() < fitted.width() * devicePixelRatio()
-                && picture.width() < natural.width()) {
+            if (!fitted.isEmpty()
+                && (shown.holdsPart()
+                    || (picture.width() < fitted.width() * devicePixelRatio() && picture.width() < natural.width()))) {
                 PictureLoader::Options options;
                 options.fitInto = fitted * devicePixelRatio();
                 const PictureLoader::Picture loaded =

@@ -37,7 +37,7 @@ PictureLoader::Picture fromExifThumbnail(const QString &path, int side)
                            : natural.scaled(side, side, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
     const QImage shown = ExifThumbnail::oriented(thumbnail, found.orientation);
     return {shown.size() == made ? shown : shown.scaled(made, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
-            natural};
+            natural, {}};
 }
 
 } // namespace

@@ -107,7 +107,7 @@ Picture fittedPicture(const QImage &image, const Options &options)
         return {};
     const QSize size = fittedSize(image.size(), options.fitInto);
     return {size == image.size() ? image : image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
-            image.size()};
+            image.size(), {}};
 }
 
 // --- Qt's readers: BMP, JPEG, GIF, and PNG in disguise -------------------
@@ -175,6 +175,15 @@ Picture loadWithQt(QIODevice *device, const Options &options)
     const QSize natural = naturalSizeOf(reader);
     if (natural.isValid() && qint64(natural.width()) * natural.height() > MaxPixels)
         return {};
+    if (options.part.isValid() && !options.fitInto.isValid() && natural.isValid() && reader.format() == "jpeg"
+        && reader.transformation() == QImageIOHandler::TransformationNone) {
+        const QRect part = options.part & QRect(QPoint(0, 0), natural);
+        if (!part.isEmpty() && part.size() != natural) {
+            reader.setClipRect(part);
+            const QImage image = reader.read();
+            return image.isNull() ? Picture{} : Picture{image, natural, part};
+        }
+    }
     const QSize target = fittedSize(natural, options.fitInto);
     const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;
     if (natural.isValid() && target != natural)
@@ -182,7 +191,7 @@ Picture loadWithQt(QIODevice *device, const Options &options)
     const QImage image = reader.read();
     if (image.isNull())
         return {};
-    return natural.isValid() ? Picture{image, natural} : fittedPicture(image, options);
+    return natural.isValid() ? Picture{image, natural, {}} : fittedPicture(image, options);
 }
 
 QSize naturalSizeWithQt(QIODevice *device)
@@ -427,7 +436,7 @@ Picture loadWmf(const QByteArray &file, const Options &options)
         || recording.size.height() > bound.height())
         return {};
     const QImage image = WmfRenderer::paint(recording);
-    return image.isNull() ? Picture{} : Picture{image, recording.naturalSize};
+    return image.isNull() ? Picture{} : Picture{image, recording.naturalSize, {}};
 }
 
 Picture loadEmf(const QByteArray &file, const Options &options)
@@ -450,7 +459,7 @@ Picture loadEmf(const QByteArray &file, const Options &options)
     if (stream.status() != QDataStream::Ok)
         return {};
     const QImage image = EmfRenderer::paint(conversion, metafileBound(options));
-    return image.isNull() ? Picture{} : Picture{image, conversion.naturalSize};
+    return image.isNull() ? Picture{} : Picture{image, conversion.naturalSize, {}};
 }
 
 } // namespace

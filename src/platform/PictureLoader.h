@@ -2,6 +2,7 @@
 
 #include <QFuture>
 #include <QImage>
+#include <QRect>
 #include <QSize>
 #include <QString>
 
@@ -22,6 +23,10 @@ struct Options {
     // drawn to fit inside it, keeping its proportions; JPEG then decodes at
     // a reduced scale. Never enlarged.
     QSize fitInto;
+    // When valid (and fitInto is not), only this part of the picture, in
+    // its pixels at 100 %, for an upright JPEG, which then reads no further
+    // than the part's last row. Other pictures come whole.
+    QRect part;
     // Metafiles that take longer to draw count as broken.
     int metafileTimeLimitMs = 5000;
 };
@@ -31,6 +36,7 @@ struct Picture {
     // fitted into Options::fitInto, or for a metafile past MaxMetafileSide.
     QImage image;
     QSize naturalSize; // at 100 %, after EXIF orientation; metafiles at 96 DPI
+    QRect part;        // what image holds, at 100 %; invalid: the whole picture
     bool isNull() const { return image.isNull(); }
 };
 

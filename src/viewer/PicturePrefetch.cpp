@@ -2,6 +2,7 @@
 
 #include "core/FileTypeCatalogue.h"
 #include "platform/PictureLoaderWait.h"
+#include "viewer/PartRules.h"
 #include "viewer/PrefetchRules.h"
 
 #include <QEventLoop>
@@ -43,6 +44,18 @@ bool waitWithinLimit(const QFuture<PictureLoader::Picture> &picture, int limitMs
 
 } // namespace
 
+PictureLoader::Picture PicturePrefetch::loadFor(const QString &path, const Target &target)
+{
+    if (target.fitInto.isValid())
+        return loadForFit(path, target.fitInto);
+    PictureLoader::Options options;
+    if (target.viewport.isValid()) {
+        const QSize natural = PictureLoader::readNaturalSize(path);
+        options.part = PartRules::partToDecode(PartRules::visibleAtActualSize(natural, target.viewport), natural);
+    }
+    return PictureLoader::load(path, options);
+}
+
 PicturePrefetch::Stamp PicturePrefetch::stampOf(const QString &path)
 {
     struct stat info;
@@ -62,11 +75,11 @@ PicturePrefetch::PicturePrefetch()
 
 PicturePrefetch::~PicturePrefetch() { clear(); }
 
-PictureLoader::Picture PicturePrefetch::obtain(const QString &path, QSize fitInto, int limitMs)
+PictureLoader::Picture PicturePrefetch::obtain(const QString &path, const Target &target, int limitMs)
 {
     const Stamp stamp = stampOf(path);
     const auto held = std::find_if(m_entries.begin(), m_entries.end(),
-                                   [&](const Entry &entry) { return entry.path == path && entry.fitInto == fitInto; });
+                                   [&](const Entry &entry) { return entry.path == path && entry.target == target; });
     if (held != m_entries.end()) {
         if (held->stamp == stamp && stamp.size >= 0) {
             if (waitWithinLimit(held->picture, limitMs)) {
@@ -79,19 +92,19 @@ PictureLoader::Picture PicturePrefetch::obtain(const QString &path, QSize fitInt
         drop(held);
     }
     const PictureLoader::Picture picture = PictureLoader::loadWithinLimit(
-        path, {}, limitMs, [fitInto](const QString &file, const PictureLoader::Options &) { return loadForFit(file, fitInto); });
+        path, {}, limitMs, [target](const QString &file, const PictureLoader::Options &) { return loadFor(file, target); });
     if (picture.isNull())
         return picture; // maybe given up for time: tried again next time, not held as broken
     if (stamp.size >= 0)
-        m_entries.push_back({path, fitInto, stamp, QtFuture::makeReadyFuture(picture),
+        m_entries.push_back({path, target, stamp, QtFuture::makeReadyFuture(picture),
                              std::make_shared<std::atomic_bool>(true)});
     return picture;
 }
 
-void PicturePrefetch::hold(const QStringList &paths, QSize fitInto)
+void PicturePrefetch::hold(const QStringList &paths, const Target &target)
 {
     for (auto entry = m_entries.begin(); entry != m_entries.end();) {
-        if (entry->fitInto != fitInto || !paths.contains(entry->path))
+        if (!(entry->target == target) || !paths.contains(entry->path))
             entry = drop(entry);
         else
             ++entry;
@@ -103,10 +116,10 @@ void PicturePrefetch::hold(const QStringList &paths, QSize fitInto)
         if (held || stamp.size < 0)
             continue;
         auto wanted = std::make_shared<std::atomic_bool>(true);
-        QFuture<PictureLoader::Picture> picture = QtConcurrent::run(&m_pool, [path, fitInto, wanted] {
-            return wanted->load() ? loadForFit(path, fitInto) : PictureLoader::Picture{};
+        QFuture<PictureLoader::Picture> picture = QtConcurrent::run(&m_pool, [path, target, wanted] {
+            return wanted->load() ? loadFor(path, target) : PictureLoader::Picture{};
         });
-        m_entries.push_back({path, fitInto, stamp, std::move(picture), std::move(wanted)});
+        m_entries.push_back({path, target, stamp, std::move(picture), std::move(wanted)});
     }
 }
 

@@ -26,18 +26,30 @@ public:
     };
     static Stamp stampOf(const QString &path); // size -1 when it cannot be read
 
+    // What a picture is decoded for: fitted into fitInto (when valid), or at
+    // actual size in a viewport of that size, where a large JPEG is decoded
+    // only as far as it shows at first; or whole.
+    struct Target {
+        QSize fitInto;
+        QSize viewport;
+        bool operator==(const Target &) const = default;
+        static Target fitted(QSize fitInto) { return {fitInto, {}}; }
+        static Target actualSize(QSize viewport) { return {{}, viewport}; }
+    };
+    static PictureLoader::Picture loadFor(const QString &path, const Target &target);
+
     PicturePrefetch();
     ~PicturePrefetch(); // waits for the decoding under way
 
-    // The picture of path at fitInto: the one held when the file is
+    // The picture of path for target: the one held when the file is
     // unchanged (waiting for its decoding if under way), else decoded now.
     // Either way it is then held, for going back to it. A decoding that
     // takes longer than limitMs gives a null picture.
-    PictureLoader::Picture obtain(const QString &path, QSize fitInto, int limitMs);
+    PictureLoader::Picture obtain(const QString &path, const Target &target, int limitMs);
 
-    // Holds exactly these paths at fitInto: decoding starts for those
+    // Holds exactly these paths for target: decoding starts for those
     // missing, the others are dropped (jobs not started yet are skipped).
-    void hold(const QStringList &paths, QSize fitInto);
+    void hold(const QStringList &paths, const Target &target);
 
     void clear();
     int heldCount() const { return int(m_entries.size()); }
@@ -47,7 +59,7 @@ public:
 private:
     struct Entry {
         QString path;
-        QSize fitInto;
+        Target target;
         Stamp stamp;
         QFuture<PictureLoader::Picture> picture;
         std::shared_ptr<std::atomic_bool> wanted;

@@ -2,6 +2,9 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QTimer>
+
+#include <cmath>
 
 PictureView::PictureView(QWidget *parent) : QWidget(parent)
 {
@@ -9,12 +12,53 @@ PictureView::PictureView(QWidget *parent) : QWidget(parent)
     setMouseTracking(true);
 }
 
-void PictureView::setPicture(const QImage &picture, QSize naturalSize)
+void PictureView::setPicture(const QImage &picture, QSize naturalSize, QRect part)
 {
     m_picture = picture;
     m_shrunk = QImage();
     m_naturalSize = naturalSize.isValid() ? naturalSize : picture.size();
+    m_part = part.isValid() && part != QRect(QPoint(0, 0), m_naturalSize) ? part : QRect();
     update();
+}
+
+QRect PictureView::visiblePart() const
+{
+    if (!parentWidget() || width() <= 0 || height() <= 0 || m_naturalSize.isEmpty())
+        return {};
+    const QRect shown = rect() & parentWidget()->rect().translated(-pos());
+    const double toNaturalX = double(m_naturalSize.width()) / width();
+    const double toNaturalY = double(m_naturalSize.height()) / height();
+    const QRect visible(QPoint(int(shown.left() * toNaturalX), int(shown.top() * toNaturalY)),
+                        QPoint(int(std::ceil((shown.right() + 1) * toNaturalX)) - 1,
+                               int(std::ceil((shown.bottom() + 1) * toNaturalY)) - 1));
+    return visible & QRect(QPoint(0, 0), m_naturalSize);
+}
+
+bool PictureView::lacksPixels() const
+{
+    if (m_picture.isNull())
+        return false;
+    if (holdsPart())
+        return !m_part.contains(visiblePart());
+    // A pixel or two less comes from rounding the fitted size, not from a zoom.
+    const int needed = qRound(width() * devicePixelRatioF());
+    return m_picture.width() + 2 < needed && m_picture.width() < m_naturalSize.width();
+}
+
+void PictureView::moveEvent(QMoveEvent *) { requestPartIfNeeded(); }
+void PictureView::resizeEvent(QResizeEvent *) { requestPartIfNeeded(); }
+
+// Asked once per turn of the event loop: a drag moves the control many times.
+void PictureView::requestPartIfNeeded()
+{
+    if (m_partRequested || !lacksPixels())
+        return;
+    m_partRequested = true;
+    QTimer::singleShot(0, this, [this] {
+        m_partRequested = false;
+        if (lacksPixels())
+            emit partNeeded();
+    });
 }
 
 void PictureView::clear()
@@ -22,6 +66,7 @@ void PictureView::clear()
     m_picture = QImage();
     m_shrunk = QImage();
     m_naturalSize = QSize();
+    m_part = QRect();
     update();
 }
 
@@ -30,6 +75,10 @@ void PictureView::paintEvent(QPaintEvent *event)
     if (m_picture.isNull())
         return;
     QPainter painter(this);
+    if (holdsPart()) {
+        paintPart(painter, event->rect());
+        return;
+    }
     const bool shrunk = width() <= m_picture.width() && height() <= m_picture.height() && size() != m_picture.size();
     if (shrunk && !m_picture.hasAlphaChannel() && devicePixelRatioF() == 1) {
         if (m_shrunk.size() != size()) {
@@ -50,6 +99,25 @@ void PictureView::paintEvent(QPaintEvent *event)
     const double sy = double(m_picture.height()) / qMax(1, height());
     const QRectF source(exposed.x() * sx, exposed.y() * sy, exposed.width() * sx, exposed.height() * sy);
     painter.drawImage(QRectF(exposed), m_picture, source);
+}
+
+// The held part where it lies in the whole; what lies outside it waits for
+// its own decoding.
+void PictureView::paintPart(QPainter &painter, const QRect &exposed)
+{
+    const double toNaturalX = double(m_naturalSize.width()) / qMax(1, width());
+    const double toNaturalY = double(m_naturalSize.height()) / qMax(1, height());
+    const QRectF exposedNatural(exposed.x() * toNaturalX, exposed.y() * toNaturalY, exposed.width() * toNaturalX,
+                                exposed.height() * toNaturalY);
+    const QRectF shown = exposedNatural & QRectF(m_part);
+    painter.fillRect(exposed, palette().window());
+    if (shown.isEmpty())
+        return;
+    const QRectF target(shown.x() / toNaturalX, shown.y() / toNaturalY, shown.width() / toNaturalX,
+                        shown.height() / toNaturalY);
+    const QRectF source(shown.translated(-m_part.topLeft()));
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, toNaturalX > 0.5);
+    painter.drawImage(target, m_picture, source);
 }
 
 void PictureView::mousePressEvent(QMouseEvent *event) { emit pressed(event); }

@@ -26,12 +26,13 @@ QList<int> positionsToHold(int current, int upperBound, bool slideshowWraps)
     return positions;
 }
 
-QStringList namesToHold(const QStringList &fileNames, int current, bool slideshowWraps)
+QStringList namesToHold(const QStringList &fileNames, int current, bool slideshowWraps, Mode mode)
 {
     QStringList names;
     for (const int position : positionsToHold(current, int(fileNames.size()) - 1, slideshowWraps)) {
         const QString &name = fileNames.at(position);
-        if (worthPrefetching(name))
+        const bool jpeg = FileTypeCatalogue::normalisedTypeCode(FileTypeCatalogue::extensionOf(name)) == u"JPG";
+        if (worthPrefetching(name) && (mode == Fitted || jpeg))
             names.append(name);
     }
     return names;

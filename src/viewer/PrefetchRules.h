@@ -18,8 +18,12 @@ bool worthPrefetching(const QString &fileName);
 // as Mostra_Image wraps only there.
 QList<int> positionsToHold(int current, int upperBound, bool slideshowWraps);
 
-// The names at those positions that are worth prefetching.
-QStringList namesToHold(const QStringList &fileNames, int current, bool slideshowWraps);
+enum Mode { Fitted, ActualSize };
+
+// The names at those positions that are worth prefetching. At actual size
+// only JPEGs: they are decoded as far as they show, where any other large
+// picture would be held whole.
+QStringList namesToHold(const QStringList &fileNames, int current, bool slideshowWraps, Mode mode = Fitted);
 
 // The size to decode a JPEG of natural size at for a fit into fit: the
 // smallest of its exact k/8 DCT scales that covers the fitted size, so the

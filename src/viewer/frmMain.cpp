@@ -267,6 +267,7 @@ void frmMain::connectHandlers()
     connect(ImgEgg, &PictureView::pressed, this, &frmMain::ImgEgg_MouseDown);
     connect(ImgEgg, &PictureView::moved, this, &frmMain::ImgEgg_MouseMove);
     connect(ImgEgg, &PictureView::released, this, &frmMain::ImgEgg_MouseUp);
+    connect(ImgEgg, &PictureView::partNeeded, this, &frmMain::fillPictureView);
     connect(cmdExpand, &QToolButton::clicked, this, &frmMain::cmdExpand_Click);
     connect(cmdReduce, &QToolButton::clicked, this, &frmMain::cmdReduce_Click);
     for (QAction *item : mnuZoomItems)

@@ -389,8 +389,12 @@ public:
     PicturePrefetch &prefetch(); // made on first use
 private:
     QSize fitTarget() const; // the pixels fit mode decodes for
-    PictureLoader::Picture loadForDisplay(const QString &path, QSize fitInto);
+    QSize actualSizeViewport() const; // where a picture at actual size shows
+    PictureLoader::Picture loadForDisplay(const QString &path, bool fitted);
     void prefetchNeighbours();
+    // Decodes what the picture control shows but does not hold: a part of a
+    // large JPEG panned or zoomed to, or more pixels than a fit needed.
+    void fillPictureView();
     void updateNavigationButtons(); // Next and Back for the list position
     // The file asked for, shown while its folder is still being listed
     // (frmMainEarlyShow.cpp); the name shown, or empty.

@@ -151,28 +151,20 @@ void frmMain::showPicture(const QString &path)
     MediaPlayer1->hide();
     WebBrowser1->hide();
     m_zoomPercent = 0; // the next picture shows in the mode of Option1
-    // Fit mode never shows more pixels than the display area has, so a large
-    // JPEG is decoded at a reduced scale; a zoom reloads it at full size.
-    const PictureLoader::Picture loaded = loadForDisplay(path, Option1[0]->isChecked() ? fitTarget() : QSize());
-    ImgEgg->setPicture(loaded.image, loaded.naturalSize);
+    // Never more pixels than show: fit mode decodes a large JPEG at a reduced
+    // scale, actual size only the part that shows at first.
+    const PictureLoader::Picture loaded = loadForDisplay(path, Option1[0]->isChecked());
+    ImgEgg->setPicture(loaded.image, loaded.naturalSize, loaded.part);
     fitOrActualSize();
     ImgEgg->setVisible(!loaded.image.isNull());
     if (m_state.FileTypeCode == u"GIF")
         showAnimation(path);
 }
 
-// Sizes the picture control, reloading the picture at full size first when
-// it was decoded smaller than it is now shown.
+// Sizes the picture control; once it is placed, fillPictureView() decodes
+// what it then lacks.
 void frmMain::resizePicture(QSize shown)
 {
-    const QSize held = ImgEgg->picture().size();
-    const QSize needed = shown * devicePixelRatio();
-    if (held.width() < needed.width() && held.width() < ImgEgg->naturalSize().width()) {
-        const PictureLoader::Picture full =
-            PictureLoader::loadWithinLimit(m_state.currentPath(), {}, m_state.PictureDecodeLimitMs);
-        if (!full.isNull())
-            ImgEgg->setPicture(full.image, full.naturalSize);
-    }
     ImgEgg->resize(qMax(1, shown.width()), qMax(1, shown.height()));
 }
 

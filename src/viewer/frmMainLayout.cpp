@@ -103,6 +103,7 @@ void frmMain::Form_Resize()
             resizePicture(QSize(m_twips.toPixelsX(picture.width() * ratio), m_twips.toPixelsY(picture.height() * ratio)));
     }
     Centra_Image(ImgEgg);
+    fillPictureView();
     layoutStatusRow();
 }
 

@@ -3,6 +3,8 @@
 #include "core/AppState.h"
 #include "platform/PictureLoader.h"
 #include "platform/PictureLoaderWait.h"
+#include "viewer/PartRules.h"
+#include "viewer/PictureView.h"
 #include "viewer/PicturePrefetch.h"
 #include "viewer/PrefetchRules.h"
 
@@ -17,27 +19,48 @@ PicturePrefetch &frmMain::prefetch()
 
 QSize frmMain::fitTarget() const { return QSize(width(), height()) * devicePixelRatio(); }
 
-PictureLoader::Picture frmMain::loadForDisplay(const QString &path, QSize fitInto)
+QSize frmMain::actualSizeViewport() const
 {
-    // Full-size pictures are not held: two of them ahead would cost more
-    // memory than the wait they save.
-    if (!fitInto.isValid())
-        return PictureLoader::loadWithinLimit(path, {}, m_state.PictureDecodeLimitMs);
-    return prefetch().obtain(path, fitInto, m_state.PictureDecodeLimitMs);
+    return QSize(width(), height() - m_twips.toPixelsY(ViewGeometry::DisplayTop)) * devicePixelRatio();
+}
+
+PictureLoader::Picture frmMain::loadForDisplay(const QString &path, bool fitted)
+{
+    const PicturePrefetch::Target target =
+        fitted ? PicturePrefetch::Target::fitted(fitTarget()) : PicturePrefetch::Target::actualSize(actualSizeViewport());
+    return prefetch().obtain(path, target, m_state.PictureDecodeLimitMs);
 }
 
 void frmMain::prefetchNeighbours()
 {
-    if (!Option1[0]->isChecked() || m_state.ProgramClosing) {
+    if (m_state.ProgramClosing) {
         if (m_prefetch)
             m_prefetch->hold({}, {});
         return;
     }
+    const bool fitted = Option1[0]->isChecked();
     // Spelled as currentPath() spells them, so that the shown one is found.
     const QString folder = m_state.CurrentFolder.endsWith(QLatin1Char('/')) ? m_state.CurrentFolder
                                                                             : m_state.CurrentFolder + QLatin1Char('/');
     QStringList paths;
-    for (const QString &name : PrefetchRules::namesToHold(m_state.FileNames, m_state.CurrentIndex, m_state.SlideshowOn))
+    for (const QString &name : PrefetchRules::namesToHold(m_state.FileNames, m_state.CurrentIndex, m_state.SlideshowOn,
+                                                          fitted ? PrefetchRules::Fitted : PrefetchRules::ActualSize))
         paths.append(folder + name);
-    prefetch().hold(paths, fitTarget());
+    prefetch().hold(paths, fitted ? PicturePrefetch::Target::fitted(fitTarget())
+                                  : PicturePrefetch::Target::actualSize(actualSizeViewport()));
+}
+
+void frmMain::fillPictureView()
+{
+    if (!ImgEgg->lacksPixels())
+        return;
+    const QSize natural = ImgEgg->naturalSize();
+    PictureLoader::Options options;
+    options.part = PartRules::partToDecode(ImgEgg->visiblePart(), natural);
+    if (!options.part.isValid())
+        options.fitInto = ImgEgg->size() * devicePixelRatio(); // never more than the picture has
+    const PictureLoader::Picture loaded =
+        PictureLoader::loadWithinLimit(m_state.currentPath(), options, m_state.PictureDecodeLimitMs);
+    if (!loaded.isNull())
+        ImgEgg->setPicture(loaded.image, loaded.naturalSize, loaded.part);
 }

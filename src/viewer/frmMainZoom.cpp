@@ -48,6 +48,7 @@ void frmMain::ZoomTo(int percent)
         resizePicture(QSize(int(natural.width() * percent / 100.0), int(natural.height() * percent / 100.0)));
         updateSizeTexts();
         Centra_Image(ImgEgg);
+        fillPictureView();
         ImgEgg->show();
     }
     m_zoomPercent = percent;
@@ -107,6 +108,7 @@ void frmMain::fitOrActualSize()
     updateSizeTexts();
     LabZoom->setText(ViewRules::zoomLabel(percent));
     Centra_Image(ImgEgg);
+    fillPictureView();
 }
 
 // The picture's tooltip and the size text of the status row.
