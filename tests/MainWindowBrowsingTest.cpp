@@ -1,12 +1,15 @@
 #include "support/MainWindowFixture.h"
+#include "viewer/ViewRules.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileSystemModel>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
 #include <QTreeView>
@@ -279,4 +282,38 @@ TEST(MainWindowBrowsing, FitModeDecodesSmallAndActualSizeDecodesOnlyWhatShows)
     const QColor drawn = window.grab().toImage().pixelColor(magentaOnScreen);
     EXPECT_GT(drawn.red(), 200);
     EXPECT_LT(drawn.green(), 60);
+}
+
+TEST(MainWindowBrowsing, KeysThatPileUpDuringADisplayAreShownAsOneMove)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("many");
+    QImage picture(64, 48, QImage::Format_RGB32);
+    picture.fill(Qt::darkGreen);
+    for (int i = 1; i <= 9; ++i)
+        ASSERT_TRUE(picture.save(folder + QStringLiteral("/p%1.jpg").arg(i), "JPEG"));
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/p1.jpg");
+    ASSERT_EQ(window.windowTitle(), ViewRules::fileTitle("p1.jpg"));
+    QSignalSpy shown(&window, &frmMain::fileShown);
+
+    // Five presses queued before the window gets to any of them, as when a
+    // held key repeats faster than pictures decode: one display, of the last.
+    for (int press = 0; press < 5; ++press)
+        QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == ViewRules::fileTitle("p6.jpg"); }, 5000));
+    EXPECT_EQ(shown.size(), 1); // one by one, p2 to p5 would have come first
+    EXPECT_EQ(window.LabNum->text(), ViewRules::positionText(5, 9));
+
+    // Back past the first stops at the first; Down and Up cancel out.
+    for (int press = 0; press < 8; ++press)
+        QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, Qt::Key_PageUp, Qt::NoModifier));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == ViewRules::fileTitle("p1.jpg"); }, 5000));
+    shown.clear();
+    QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier));
+    QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, Qt::Key_Up, Qt::NoModifier));
+    for (int turn = 0; turn < 3; ++turn) // the presses, then the move they add up to
+        QCoreApplication::processEvents();
+    EXPECT_EQ(shown.size(), 0);
+    EXPECT_EQ(window.windowTitle(), ViewRules::fileTitle("p1.jpg"));
 }

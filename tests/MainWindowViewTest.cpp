@@ -31,9 +31,9 @@ TEST(MainWindowNavigation, NextOnTheLastFileWrapsOnlyInASlideshow)
     window.cmdNext_Click();
     EXPECT_EQ(window.windowTitle(), " c.bmp  - Vimora ");
     QTest::keyClick(&window, Qt::Key_Up);
-    EXPECT_EQ(window.windowTitle(), " b.bmp  - Vimora ");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " b.bmp  - Vimora "; }, 5000));
     QTest::keyClick(&window, Qt::Key_PageDown);
-    EXPECT_EQ(window.windowTitle(), " c.bmp  - Vimora ");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " c.bmp  - Vimora "; }, 5000));
 
     window.ChkCicle->setChecked(true);
     window.cmdNext_Click();

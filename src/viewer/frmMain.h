@@ -275,6 +275,10 @@ private:
     void clearDisplay();
     void stopSlideTimer();
     void restartSlideTimerIfOn();
+    // Next and previous by key: presses that come faster than pictures show
+    // are taken together as one move, so a held key never builds a backlog.
+    void stepThroughList(bool backward);
+    void showPendingSteps();
     bool driveReady(const QString &folder);
     bool askAfterReadError(const QString &folder);
     void selectDriveOf(const QString &folder);
@@ -343,6 +347,9 @@ private:
     bool m_unloaded = false;
     double m_fitPercent = 100;
     double m_zoomPercent = 0;      // 0: the mode of Option1 applies
+    int m_pendingSteps = 0;        // key presses not shown yet, back negative
+    bool m_stepsQueued = false;
+    bool m_showingSteps = false;
     bool m_modeClickLive = true;
     bool m_resizeGuard = false;
     std::array<QLineF, 4> m_selLines;  // twips of the form: anchor H, moving H, anchor V, moving V

@@ -4,6 +4,7 @@
 #include "core/LanguageChoice.h"
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
+#include "viewer/StepRules.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -15,6 +16,8 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTimer>
+
+#include <utility>
 
 void frmMain::cmdNext_Click()
 {
@@ -84,6 +87,31 @@ void frmMain::restartSlideTimerIfOn()
         TimerImage->start(m_state.SlideSeconds * 1000);
 }
 
+void frmMain::stepThroughList(bool backward)
+{
+    m_pendingSteps += backward ? -1 : 1;
+    if (m_showingSteps || m_stepsQueued)
+        return;
+    m_stepsQueued = true;
+    QTimer::singleShot(0, this, &frmMain::showPendingSteps);
+}
+
+void frmMain::showPendingSteps()
+{
+    // Presses already waiting join this move rather than follow it.
+    QCoreApplication::processEvents();
+    m_stepsQueued = false;
+    m_showingSteps = true;
+    while (m_pendingSteps != 0) {
+        const int steps = std::exchange(m_pendingSteps, 0);
+        m_state.CurrentIndex =
+            StepRules::startOfOneStep(m_state.CurrentIndex, steps, m_state.fileUpperBound(), m_state.SlideshowOn);
+        Mostra_Image(steps < 0, QString());
+        QCoreApplication::processEvents(); // the presses made while it showed
+    }
+    m_showingSteps = false;
+}
+
 void frmMain::keyPressEvent(QKeyEvent *event)
 {
     const int key = event->key();
@@ -109,9 +137,9 @@ void frmMain::keyPressEvent(QKeyEvent *event)
     }
 
     if (plain && (key == Qt::Key_Up || key == Qt::Key_PageUp))
-        Mostra_Image(true, QString());
+        stepThroughList(true);
     if (plain && (key == Qt::Key_Down || key == Qt::Key_PageDown))
-        Mostra_Image(false, QString());
+        stepThroughList(false);
     if (plain && key == Qt::Key_Space) {
         if (m_state.MainMovieLoaded) {
             if (MediaPlayer1->PlayState() == MoviePlayer::Playing)
@@ -121,7 +149,7 @@ void frmMain::keyPressEvent(QKeyEvent *event)
         } else if (ChkCicle->isChecked()) {
             ChkCicle->setChecked(false);
         } else {
-            Mostra_Image(false, QString());
+            stepThroughList(false);
         }
     }
     if (plain && (key == Qt::Key_Return || key == Qt::Key_Enter) && m_state.BrowserReady) {
