@@ -3,6 +3,8 @@
 #include "core/FileTypeCatalogue.h"
 
 #include <QCollator>
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -11,6 +13,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <deque>
 #include <cstring>
 #include <vector>
 
@@ -34,8 +37,9 @@ QCollator naturalCollator()
 }
 
 // Names in natural order, sorted a run at a time as they come in and
-// merged like a binary counter, so no single step of a large listing has
-// to sort everything at once.
+// merged like a binary counter. A merge goes on across calls when its
+// deadline comes first, so no single step of a large listing has to sort or
+// merge everything at once.
 class NaturalOrder {
 public:
     NaturalOrder() : m_collator(naturalCollator()) {}
@@ -46,31 +50,45 @@ public:
         m_names.append(std::move(name));
     }
 
-    // Sorts the names added since the last call as one run.
-    void closeRun()
+    // Sorts the names added since the last call as one run, then merges
+    // what the binary counter asks for until the deadline.
+    void closeRun(const QDeadlineTimer &until = QDeadlineTimer::Forever)
     {
         const size_t start = m_order.size();
-        if (start == m_keys.size())
-            return;
-        for (size_t i = start; i < m_keys.size(); ++i)
-            m_order.push_back(quint32(i));
-        std::sort(m_order.begin() + qptrdiff(start), m_order.end(),
-                  [this](quint32 a, quint32 b) { return less(a, b); });
-        m_runStarts.push_back(start);
-        while (m_runStarts.size() >= 2 && runLength(m_runStarts.size() - 2) <= runLength(m_runStarts.size() - 1))
-            mergeLastRuns();
+        if (start != m_keys.size()) {
+            for (size_t i = start; i < m_keys.size(); ++i)
+                m_order.push_back(quint32(i));
+            std::sort(m_order.begin() + qptrdiff(start), m_order.end(),
+                      [this](quint32 a, quint32 b) { return less(a, b); });
+            m_runStarts.push_back(start);
+        }
+        merge(until, false);
+    }
+
+    // Merges every run into one; false when the deadline came first.
+    bool mergeAll(const QDeadlineTimer &until) { return merge(until, true); }
+
+    // Puts the merged names in order until the deadline; true once done.
+    bool arrange(const QDeadlineTimer &until)
+    {
+        if (m_sorted.isEmpty())
+            m_sorted.reserve(m_names.size());
+        while (m_arranged < m_order.size()) {
+            const size_t end = std::min(m_order.size(), m_arranged + 4096);
+            for (; m_arranged < end; ++m_arranged)
+                m_sorted.append(std::move(m_names[qsizetype(m_order[m_arranged])]));
+            if (until.hasExpired() && m_arranged < m_order.size())
+                return false;
+        }
+        return true;
     }
 
     QStringList takeSorted()
     {
         closeRun();
-        while (m_runStarts.size() >= 2)
-            mergeLastRuns();
-        QStringList sorted;
-        sorted.reserve(m_names.size());
-        for (const quint32 index : m_order)
-            sorted.append(std::move(m_names[qsizetype(index)]));
-        return sorted;
+        mergeAll(QDeadlineTimer::Forever);
+        arrange(QDeadlineTimer::Forever);
+        return std::move(m_sorted);
     }
 
 private:
@@ -88,22 +106,58 @@ private:
         return end - m_runStarts[run];
     }
 
-    void mergeLastRuns()
+    bool merge(const QDeadlineTimer &until, bool all)
     {
-        const size_t middle = m_runStarts.back();
-        m_runStarts.pop_back();
-        std::inplace_merge(m_order.begin() + qptrdiff(m_runStarts.back()), m_order.begin() + qptrdiff(middle),
-                           m_order.end(), [this](quint32 a, quint32 b) { return less(a, b); });
+        for (;;) {
+            if (m_merging && !continueMerge(until))
+                return false;
+            const size_t runs = m_runStarts.size();
+            if (runs < 2 || (!all && runLength(runs - 2) > runLength(runs - 1)))
+                return runs < 2;
+            // The last two runs, stably: on equal names the earlier run first.
+            m_merging = true;
+            m_left = m_runStarts[runs - 2];
+            m_middle = m_runStarts[runs - 1];
+            m_end = m_order.size();
+            m_fromLeft = m_left;
+            m_fromRight = m_middle;
+            m_merged.clear();
+            m_merged.reserve(m_end - m_left);
+        }
+    }
+
+    bool continueMerge(const QDeadlineTimer &until)
+    {
+        while (m_fromLeft < m_middle || m_fromRight < m_end) {
+            for (int i = 0; i < 4096 && (m_fromLeft < m_middle || m_fromRight < m_end); ++i) {
+                const bool right =
+                    m_fromLeft == m_middle || (m_fromRight < m_end && less(m_order[m_fromRight], m_order[m_fromLeft]));
+                m_merged.push_back(right ? m_order[m_fromRight++] : m_order[m_fromLeft++]);
+            }
+            if (until.hasExpired() && (m_fromLeft < m_middle || m_fromRight < m_end))
+                return false;
+        }
+        std::copy(m_merged.begin(), m_merged.end(), m_order.begin() + qptrdiff(m_left));
+        m_runStarts.erase(std::find(m_runStarts.begin(), m_runStarts.end(), m_middle));
+        m_merging = false;
+        return true;
     }
 
     QCollator m_collator;
     // One key per name: comparing through the collator itself is ten times
     // slower on a large folder. Indices are sorted, not keys: a key has no
     // move, only a reference-counted copy.
-    std::vector<QCollatorSortKey> m_keys;
+    // A deque: growing a vector would copy every key, a frame's work at once.
+    std::deque<QCollatorSortKey> m_keys;
     QStringList m_names;
     std::vector<quint32> m_order;
     std::vector<size_t> m_runStarts;
+    // The merge under way: [left, middle) and [middle, end) of m_order.
+    bool m_merging = false;
+    size_t m_left = 0, m_middle = 0, m_end = 0, m_fromLeft = 0, m_fromRight = 0;
+    std::vector<quint32> m_merged;
+    QStringList m_sorted;
+    size_t m_arranged = 0;
 };
 
 } // namespace
@@ -112,6 +166,7 @@ struct FolderListing::State {
     QString filterCode;
     QString filterItemText;
     DIR *handle = nullptr;
+    bool allRead = false; // then the steps finish the merging
     NaturalOrder order;
     // admits() depends only on a name's last four characters: the answer
     // is kept per tail, so most names are judged before being decoded.
@@ -180,15 +235,27 @@ bool FolderListing::step(int maxEntries)
         return true;
     DIR *dir = m_state->handle;
     const int dirFd = dirfd(dir);
+    QElapsedTimer clock;
+    clock.start();
+    // Sorting and merging may take the step up to a frame, then wait.
+    const QDeadlineTimer mergeUntil(StepBudgetMs * 3 / 2);
+    if (m_state->allRead) {
+        if (!m_state->order.mergeAll(mergeUntil) || !m_state->order.arrange(mergeUntil))
+            return false;
+        m_names = m_state->order.takeSorted();
+        m_state.reset();
+        m_done = true;
+        return true;
+    }
     for (int i = 0; i < maxEntries; ++i) {
+        if (i % 128 == 127 && clock.elapsed() >= StepBudgetMs)
+            break;
         errno = 0;
         const dirent *entry = readdir(dir);
         if (!entry) {
             m_unreadable = errno != 0; // an I/O error part way through
-            m_names = m_state->order.takeSorted();
-            m_state.reset();
-            m_done = true;
-            return true;
+            m_state->allRead = true;
+            break;
         }
         if (entry->d_name[0] == '.')
             continue; // hidden, and "." and ".."
@@ -204,7 +271,7 @@ bool FolderListing::step(int maxEntries)
         m_state->order.add(QFile::decodeName(entry->d_name));
         m_totalBytes += double(info.st_size);
     }
-    m_state->order.closeRun();
+    m_state->order.closeRun(mergeUntil);
     return false;
 }
 

@@ -19,9 +19,12 @@ public:
     FolderListing &operator=(FolderListing &&) noexcept;
 
     // Reads up to maxEntries more directory entries, admitted or not, so
-    // that a step costs about the same in any folder. True once the
-    // listing is complete; the names are then sorted.
+    // that a step costs about the same in any folder, and stops sooner
+    // once a step has taken StepBudgetMs (a slow disk, a large folder's
+    // stat calls). True once the listing is complete; the names are then
+    // sorted.
     bool step(int maxEntries);
+    static constexpr int StepBudgetMs = 8; // half a frame: events run between steps
 
     // Steps until the end, asking shouldContinue between steps (where the
     // window lets events run). False when it said no: the listing is then
