@@ -9,13 +9,13 @@ packages=(build-essential cmake ninja-build pkg-config
           qt6-base-dev qt6-svg-dev libmpv-dev libemf2svg-dev libwmf-dev
           qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins xdg-utils libxcb1-dev)
 if [[ "${1:-}" == "--test" || "${1:-}" == "--bench" ]]; then
-    packages+=(libgtest-dev libgmock-dev xvfb xauth xdotool xclip imagemagick poppler-utils
+    packages+=(libgtest-dev libgmock-dev xvfb xauth xdotool openbox xclip imagemagick poppler-utils
                ffmpeg dvdauthor exiv2 libjpeg-turbo-progs libvips-tools desktop-file-utils
                clang libclang-rt-14-dev)
 fi
 # The viewers the bench measures Vimora against, and a desktop to run them in.
 if [[ "${1:-}" == "--bench" ]]; then
-    packages+=(openbox dbus-daemon feh nsxiv qimgv eog)
+    packages+=(dbus-daemon feh nsxiv qimgv eog)
 fi
 
 missing=()

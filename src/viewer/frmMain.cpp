@@ -10,10 +10,12 @@
 #include "viewer/PictureView.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QFileSystemModel>
+#include <QKeyEvent>
 #include <QFrame>
 #include <QAbstractItemView>
 #include <QHeaderView>
@@ -280,6 +282,7 @@ void frmMain::connectHandlers()
                 Option1_Click();
         });
 
+    qApp->installEventFilter(this); // the key table, wherever the focus is
     CboURL->view()->installEventFilter(this); // opening the history list
     CboType->view()->installEventFilter(this);
     LabMis->installEventFilter(this);
@@ -296,6 +299,18 @@ void frmMain::connectHandlers()
 
 bool frmMain::eventFilter(QObject *watched, QEvent *event)
 {
+    // The window receives keys before its controls: the drive list, the
+    // folder tree, a button or the player never see a key of the table.
+    if ((event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride) && watched != this) {
+        auto *control = qobject_cast<QWidget *>(watched);
+        auto *key = static_cast<QKeyEvent *>(event);
+        if (control && control->window() == this && takesKeyFrom(control, *key)) {
+            event->accept(); // for ShortcutOverride: no mnemonic takes it either
+            if (event->type() == QEvent::KeyPress)
+                keyPressEvent(key);
+            return true;
+        }
+    }
     // Opening the path history stops the slideshow and any thumbnail load,
     // so the list does not change under the user's pointer.
     if (watched == CboURL->view() && event->type() == QEvent::Show) {

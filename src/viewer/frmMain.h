@@ -278,6 +278,9 @@ private:
     // Next and previous by key: presses that come faster than pictures show
     // are taken together as one move, so a held key never builds a backlog.
     void stepThroughList(bool backward);
+    // Whether a key pressed on one of this window's controls is the
+    // window's, by its key table, rather than the control's.
+    bool takesKeyFrom(QWidget *control, const QKeyEvent &key) const;
     void showPendingSteps();
     bool driveReady(const QString &folder);
     bool askAfterReadError(const QString &folder);

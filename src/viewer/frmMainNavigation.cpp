@@ -4,8 +4,10 @@
 #include "core/LanguageChoice.h"
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
+#include "viewer/MainKeyTable.h"
 #include "viewer/StepRules.h"
 
+#include <QAbstractSpinBox>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -110,6 +112,16 @@ void frmMain::showPendingSteps()
         QCoreApplication::processEvents(); // the presses made while it showed
     }
     m_showingSteps = false;
+}
+
+bool frmMain::takesKeyFrom(QWidget *control, const QKeyEvent &key) const
+{
+    if (!MainKeyTable::hasRow(key.key(), key.modifiers()))
+        return false;
+    // A text being edited keeps its typing and the keys that move in it.
+    const auto *line = qobject_cast<const QLineEdit *>(control);
+    const bool editing = (line && !line->isReadOnly()) || qobject_cast<const QAbstractSpinBox *>(control);
+    return !(editing && MainKeyTable::editsText(key.key(), key.modifiers(), key.text()));
 }
 
 void frmMain::keyPressEvent(QKeyEvent *event)
