@@ -256,9 +256,12 @@ Measure measure(const Desktop &desktop, const Viewer &viewer, const QString &fol
         result.nextMs = screen.waitFor(1, clock);
         if (result.nextMs) {
             QThread::msleep(1000);
-            desktop.press(QStringList(HeldPresses, viewer.nextKey), PressGapMs);
             clock.restart();
-            result.heldMs = screen.waitFor(1 + HeldPresses, clock);
+            desktop.press(QStringList(HeldPresses, viewer.nextKey), PressGapMs);
+            // From the moment the last press was sent, not from xdotool's end.
+            const double lastPressMs = (HeldPresses - 1) * PressGapMs;
+            if (const auto shown = screen.waitFor(1 + HeldPresses, clock))
+                result.heldMs = std::max(0.0, *shown - lastPressMs);
         }
     }
     process.terminate();

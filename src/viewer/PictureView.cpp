@@ -110,9 +110,16 @@ void PictureView::paintPart(QPainter &painter, const QRect &exposed)
     const QRectF exposedNatural(exposed.x() * toNaturalX, exposed.y() * toNaturalY, exposed.width() * toNaturalX,
                                 exposed.height() * toNaturalY);
     const QRectF shown = exposedNatural & QRectF(m_part);
-    painter.fillRect(exposed, palette().window());
+    if (shown != exposedNatural)
+        painter.fillRect(exposed, palette().window()); // until the missing pixels come
     if (shown.isEmpty())
         return;
+    if (size() == m_naturalSize && devicePixelRatioF() == 1) {
+        // At 100 % a plain copy: no scaling path, however large the part.
+        const QRect copied = shown.toAlignedRect() & m_part;
+        painter.drawImage(copied.topLeft(), m_picture, copied.translated(-m_part.topLeft()));
+        return;
+    }
     const QRectF target(shown.x() / toNaturalX, shown.y() / toNaturalY, shown.width() / toNaturalX,
                         shown.height() / toNaturalY);
     const QRectF source(shown.translated(-m_part.topLeft()));

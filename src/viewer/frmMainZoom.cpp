@@ -81,6 +81,7 @@ void frmMain::Option1_Click()
     m_zoomPercent = 0;
     fitOrActualSize();
     layoutStatusRow();
+    prefetchNeighbours(); // for the new mode: fitted, or the parts that will show
     setWaitCursor(false);
 }
 
