@@ -1,6 +1,7 @@
 #include "platform/PictureLoader.h"
 
 #include "platform/EmfRenderer.h"
+#include "platform/IconDecoder.h"
 #include "platform/RleBitmapDecoder.h"
 #include "platform/WmfRenderer.h"
 
@@ -34,8 +35,6 @@ namespace PictureLoader {
 namespace {
 
 constexpr qint64 LargestWholeFile = 256LL * 1024 * 1024; // RLE bitmaps, icons and metafiles are read whole
-constexpr int LargestIconSide = 4096; // PNG icons claiming more are forged
-constexpr int LargestDibIconSide = 256; // the ICO format's own limit
 constexpr qsizetype SniffedBytes = 256;
 constexpr qint64 ChildAddressSpace = 2LL * 1024 * 1024 * 1024; // on top of what the child inherits
 
@@ -198,98 +197,6 @@ QSize naturalSizeWithQt(QIODevice *device)
 {
     QImageReader reader(device);
     return prepareReader(reader) ? naturalSizeOf(reader) : QSize();
-}
-
-// --- ICO and CUR: the largest image, parsed here because Qt reads no cursors
-
-struct IconEntry {
-    QSize size;
-    int bits = 0;
-    qsizetype offset = 0;
-    bool png = false;
-};
-
-// The directory's entries that can hold a picture, largest first (then the
-// deepest colour, then the first listed). Sizes come from the images
-// themselves, which directories sometimes misstate.
-std::vector<IconEntry> iconEntries(const QByteArray &file)
-{
-    std::vector<IconEntry> entries;
-    const int count = file.size() >= 6 ? u16At(file, 4) : 0;
-    for (int i = 0; i < count && 6 + 16 * (i + 1) <= file.size(); ++i) {
-        IconEntry entry;
-        entry.offset = u32At(file, 6 + 16 * i + 12);
-        if (entry.offset < 6 || entry.offset + 24 > file.size())
-            continue;
-        entry.png = file.mid(entry.offset, 8) == QByteArray("\x89PNG\r\n\x1a\n", 8);
-        if (entry.png) {
-            const qint64 width = qFromBigEndian<quint32>(file.constData() + entry.offset + 16);
-            const qint64 height = qFromBigEndian<quint32>(file.constData() + entry.offset + 20);
-            if (width < 1 || height < 1 || width > LargestIconSide || height > LargestIconSide)
-                continue;
-            entry.size = QSize(int(width), int(height));
-            entry.bits = 32;
-        } else {
-            const quint32 headerSize = u32At(file, entry.offset);
-            const qint32 width = qint32(u32At(file, entry.offset + 4));
-            const qint32 height = qint32(u32At(file, entry.offset + 8)) / 2; // picture and mask
-            entry.bits = u16At(file, entry.offset + 14);
-            if (headerSize < 40 || width < 1 || height < 1 || width > LargestDibIconSide
-                || height > LargestDibIconSide || entry.bits < 1 || entry.bits > 32)
-                continue;
-            entry.size = QSize(width, height);
-            // A length that could hold a header but not the picture means a
-            // damaged entry; one too short for even a header is no length.
-            const quint32 colours = u32At(file, entry.offset + 32);
-            const qint64 palette = entry.bits <= 8 ? 4 * qint64(colours ? colours : 1u << entry.bits) : 0;
-            const qint64 rows = (qint64(width) * entry.bits + 31) / 32 * 4 * height;
-            const qint64 mask = entry.bits == 32 ? 0 : (qint64(width) + 31) / 32 * 4 * height;
-            const quint32 declared = u32At(file, 6 + 16 * i + 8);
-            if (declared >= 40 && declared < headerSize + palette + rows + mask)
-                continue;
-        }
-        // The directory's size (0 for 256) must be the picture's own.
-        const int listedWidth = uchar(file[6 + 16 * i]) ? uchar(file[6 + 16 * i]) : 256;
-        const int listedHeight = uchar(file[6 + 16 * i + 1]) ? uchar(file[6 + 16 * i + 1]) : 256;
-        if (entry.size != QSize(listedWidth, listedHeight))
-            continue;
-        entries.push_back(entry);
-    }
-    std::stable_sort(entries.begin(), entries.end(), [](const IconEntry &a, const IconEntry &b) {
-        const qint64 areaA = qint64(a.size.width()) * a.size.height();
-        const qint64 areaB = qint64(b.size.width()) * b.size.height();
-        return areaA != areaB ? areaA > areaB : a.bits > b.bits;
-    });
-    return entries;
-}
-
-// Qt's icon reader gets a one-entry icon (type 1) with the entry's true
-// size and depth, so cursors and odd directories read too.
-QImage decodeIconEntry(const QByteArray &file, const IconEntry &entry)
-{
-    const QByteArray data = file.mid(entry.offset);
-    if (entry.png)
-        return QImage::fromData(data, "PNG");
-    QByteArray single(22, '\0');
-    single[2] = 1;
-    single[4] = 1;
-    single[6] = char(entry.size.width() & 0xff); // 256 is written as 0
-    single[7] = char(entry.size.height() & 0xff);
-    single[10] = 1;
-    qToLittleEndian<quint16>(quint16(entry.bits), single.data() + 12);
-    qToLittleEndian<quint32>(quint32(data.size()), single.data() + 14);
-    qToLittleEndian<quint32>(22, single.data() + 18);
-    return QImage::fromData(single + data, "ICO");
-}
-
-QImage loadIcon(const QByteArray &file)
-{
-    for (const IconEntry &entry : iconEntries(file)) {
-        const QImage image = decodeIconEntry(file, entry);
-        if (!image.isNull())
-            return image;
-    }
-    return {};
 }
 
 // --- Metafiles, parsed in a child process --------------------------------
@@ -480,7 +387,7 @@ Picture load(const QString &path, const Options &options)
     const QByteArray bytes = file.readAll();
     switch (decoder) {
     case Decoder::RleBitmap: return fittedPicture(RleBitmapDecoder::decode(bytes, MaxPixels), options);
-    case Decoder::Icon: return fittedPicture(loadIcon(bytes), options);
+    case Decoder::Icon: return fittedPicture(IconDecoder::decode(bytes), options);
     case Decoder::Wmf: return loadWmf(bytes, options);
     case Decoder::Emf: return loadEmf(bytes, options);
     case Decoder::Qt: break;

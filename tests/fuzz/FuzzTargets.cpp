@@ -5,6 +5,7 @@
 #include "index/ThumbnailCache.h"
 #include "platform/EmfRenderer.h"
 #include "platform/MoviePlaylist.h"
+#include "platform/IconDecoder.h"
 #include "platform/RleBitmapDecoder.h"
 #include "platform/WmfRenderer.h"
 #include "system/MimeAppsList.h"
@@ -64,6 +65,14 @@ void rleBitmap(const QByteArray &input)
     const QImage image = RleBitmapDecoder::decode(input, MaxRlePixels);
     require(image.isNull() || image.size() == size, "the RLE picture has the header's size");
     require(image.isNull() || qint64(image.width()) * image.height() <= MaxRlePixels, "the RLE pixel limit");
+}
+
+void icon(const QByteArray &input)
+{
+    const QImage image = IconDecoder::decode(input);
+    require(image.isNull()
+                || (image.width() <= IconDecoder::LargestPngSide && image.height() <= IconDecoder::LargestPngSide),
+            "an icon is no larger than the format allows");
 }
 
 void wmf(const QByteArray &input)
@@ -180,8 +189,9 @@ void exifThumbnail(const QByteArray &input)
 
 std::span<const Target> all()
 {
-    static const std::array<Target, 8> targets = {{
+    static const std::array<Target, 9> targets = {{
         {"rle", rleBitmap},
+        {"icon", icon},
         {"wmf", wmf},
         {"emf", emf},
         {"playlist", moviePlaylist},

@@ -17,6 +17,7 @@ struct Target {
 };
 
 void rleBitmap(const QByteArray &input);
+void icon(const QByteArray &input);
 void wmf(const QByteArray &input);
 void emf(const QByteArray &input);
 void moviePlaylist(const QByteArray &input);

@@ -10,7 +10,12 @@ cd "$(dirname "$0")/../.."
 seconds=${1:-60}
 shift || true
 targets=("$@")
-[[ ${#targets[@]} -eq 0 ]] && targets=(rle wmf emf playlist message_file mimeapps thumbnail_cache exif)
+if [[ ${#targets[@]} -eq 0 ]]; then
+    for source in tests/fuzz/fuzz_*.cpp; do
+        name=${source##*/fuzz_}
+        targets+=("${name%.cpp}")
+    done
+fi
 build=${FUZZ_BUILD_DIR:-build-fuzz}
 
 if [[ ! -f $build/CMakeCache.txt ]]; then
