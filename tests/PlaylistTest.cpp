@@ -82,10 +82,8 @@ TEST(PlaylistCorpus, ResolvesEveryFileAsDescribed)
          Kind::TextList,
          {"rtsp://ra2.panix.com/tutorial/sample.ra", "http://www.panix.com/web/faq/multimedia/sample.ra",
           "rtsp://realserver.example.com/media/sample1.smil?screensize=\"full\""}},
-        {"lizzy-playlists/ram/test02.ram",
-         Kind::TextList,
-         {"pnm://server.address.here:1234/realmedia.rm?title=My Song&author=My Artist&copyright=2004 My "
-          "Company&abstract=Under the (i) button!"}},
+        // Its one entry is a pnm:// address, a scheme no playlist may hand the player.
+        {"lizzy-playlists/ram/test02.ram", Kind::TextList, {}},
         {"exiftool/Real.ram", Kind::TextList, {"rtsp://media.real.com/showcase/service/samples/rob_h_realvideo9_28.rm"}},
         {"totem-pl-parser/empty-asx.asx", Kind::AsxPlaylist, {}},
         // Two REF alternatives of one entry: the second is tried when the first fails.
@@ -330,4 +328,37 @@ TEST(PlaylistDvd, EveryIfoOfTheFolderPlaysTheDisc)
         EXPECT_TRUE(QTest::qWaitFor([&] { return player.naturalSize().isValid(); }, 3000));
         EXPECT_EQ(player.naturalSize().height(), 576);
     }
+}
+
+// A downloaded playlist names what the player may open: streams of the kinds
+// playlists were made for pass, the player's own schemes are broken entries,
+// in every kind of list.
+TEST(Playlist, OnlyFilesAndStreamSchemesPass)
+{
+    QTemporaryDir dir;
+    writeFile(dir.filePath("clip.avi"), "media");
+    const QStringList refused = {"lavf://file:/etc/passwd", "fd://0", "edl://clip.avi,0,1", "av://v4l2:/dev/video0",
+                                 "memory://data", "ytdl://x", "dvd://", "smb://server/share/a.avi",
+                                 "ftp://example.com/a.avi", "javascript://alert"};
+    const QStringList passing = {"http://example.com/a.asf", "HTTPS://example.com/a", "mms://example.com/live",
+                                 "mmsh://example.com/live", "rtsp://example.com/s", "rtmp://example.com/s"};
+    for (const QString &scheme : refused)
+        EXPECT_TRUE(MoviePlaylist::playableTarget(scheme, dir.path()).isEmpty()) << qPrintable(scheme);
+    for (const QString &scheme : passing)
+        EXPECT_EQ(MoviePlaylist::playableTarget(scheme, dir.path()), scheme);
+
+    QByteArray asx = "<asx version=\"3.0\">\n";
+    QByteArray ram;
+    QByteArray reference = "[Reference]\n";
+    int n = 1;
+    for (const QString &entry : refused + QStringList{"clip.avi"}) {
+        asx += "<entry><ref href=\"" + entry.toUtf8() + "\"/></entry>\n";
+        ram += entry.toUtf8() + "\n";
+        reference += "Ref" + QByteArray::number(n++) + "=" + entry.toUtf8() + "\n";
+    }
+    writeFile(dir.filePath("list.asx"), asx + "</asx>\n");
+    writeFile(dir.filePath("list.ram"), ram);
+    writeFile(dir.filePath("list.wax"), reference);
+    for (const char *list : {"list.asx", "list.ram", "list.wax"})
+        EXPECT_EQ(MoviePlaylist::resolve(dir.filePath(list)).urls, QStringList{dir.filePath("clip.avi")}) << list;
 }

@@ -362,8 +362,16 @@ QString playableTarget(const QString &href, const QString &baseFolder)
     const auto scheme = urlSchemePattern().match(text);
     QString path;
     if (scheme.hasMatch()) {
-        if (scheme.captured(1).compare(QLatin1String("file"), Qt::CaseInsensitive) != 0)
+        const QString name = scheme.captured(1).toLower();
+        // The player's own schemes (lavf://, fd://, edl://, ...) would let a
+        // downloaded playlist open descriptors, other demuxers or any
+        // protocol: only the streams a playlist was made for pass.
+        static const QStringList streams{QStringLiteral("http"), QStringLiteral("https"), QStringLiteral("mms"),
+                                         QStringLiteral("mmsh"), QStringLiteral("rtsp"), QStringLiteral("rtmp")};
+        if (streams.contains(name))
             return text;
+        if (name != QLatin1String("file"))
+            return {};
         path = QUrl(text).toLocalFile();
         if (path.isEmpty())
             return {};
