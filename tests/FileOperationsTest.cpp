@@ -13,6 +13,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
 #include <sys/mount.h>
 #include <sys/stat.h>
 
@@ -255,6 +257,22 @@ TEST_F(FileOpsFixture, RenameNeverReplacesAnotherFile)
     EXPECT_TRUE(RenameThisFile(dir + "/a.jpg", dir + "/A \"Ä\",\n.jpg", context).done());
     EXPECT_EQ(readFile(dir + "/A \"Ä\",\n.jpg"), "a");
     EXPECT_EQ(namesIn(dir).size(), 2);
+}
+
+// The rename itself refuses a taken name, so a file that takes it between
+// the check and the rename is not replaced either.
+TEST_F(FileOpsFixture, TheRenameStepItselfNeverReplaces)
+{
+    const QString dir = folder("race");
+    writeFile(dir + "/a.jpg", "a");
+    writeFile(dir + "/taken.jpg", "taken meanwhile");
+    EXPECT_FALSE(RenameWithoutReplacing(dir + "/a.jpg", dir + "/taken.jpg"));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_EQ(readFile(dir + "/a.jpg"), "a");
+    EXPECT_EQ(readFile(dir + "/taken.jpg"), "taken meanwhile");
+    EXPECT_TRUE(RenameWithoutReplacing(dir + "/a.jpg", dir + "/free.jpg"));
+    EXPECT_EQ(readFile(dir + "/free.jpg"), "a");
+    EXPECT_FALSE(QFile::exists(dir + "/a.jpg"));
 }
 
 TEST_F(FileOpsFixture, MoveAsksBeforeReplacingAndStaysForItsOwnFolder)

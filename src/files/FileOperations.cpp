@@ -13,6 +13,9 @@
 #include <cstring>
 #include <sys/stat.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
 
 const QString LineBreaks = QStringLiteral("\r\n\r\n");
@@ -117,6 +120,26 @@ FileResult MoveFileTo(const QString &path, const QString &target, const FileCont
     return {FileOutcome::Done, {}};
 }
 
+bool RenameWithoutReplacing(const QString &from, const QString &to)
+{
+    const QByteArray source = QFile::encodeName(from);
+    const QByteArray target = QFile::encodeName(to);
+    if (::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+    // A file system without it: a hard link also fails on a taken name.
+    if (::link(source.constData(), target.constData()) != 0)
+        return false;
+    if (::unlink(source.constData()) != 0) {
+        const int error = errno;
+        ::unlink(target.constData());
+        errno = error;
+        return false;
+    }
+    return true;
+}
+
 FileResult RenameThisFile(const QString &oldPath, const QString &newPath, const FileContext &context)
 {
     if (!IsExistingFile(oldPath))
@@ -126,11 +149,22 @@ FileResult RenameThisFile(const QString &oldPath, const QString &newPath, const 
     // Another file of that name is never replaced; the same file under
     // other letters (a case-blind file system) may be renamed.
     const QFileInfo target(newPath);
-    if ((target.exists() || target.isSymLink()) && !IsSameFile(oldPath, newPath)) {
+    const bool sameFile = IsSameFile(oldPath, newPath);
+    if ((target.exists() || target.isSymLink()) && !sameFile) {
         reportFailure(context, 20602, "A file with this name already exists:", newPath, {});
         return {FileOutcome::Refused, {}};
     }
-    return MoveFileTo(oldPath, newPath, context);
+    if (sameFile)
+        return MoveFileTo(oldPath, newPath, context);
+    // The check above tells the user; this keeps a file that takes the name
+    // meanwhile from being replaced.
+    if (RenameWithoutReplacing(oldPath, newPath))
+        return {FileOutcome::Done, {}};
+    if (errno == EEXIST) {
+        reportFailure(context, 20602, "A file with this name already exists:", newPath, {});
+        return {FileOutcome::Refused, {}};
+    }
+    return MoveFileTo(oldPath, newPath, context); // another file system, or a fault it reports
 }
 
 int RecycleFiles(const QStringList &paths, const FileContext &context)

@@ -75,3 +75,7 @@ void ReportMissingFile(const QString &path, const FileContext &context, int defa
 // Whether both paths lead to the same file (hard links and letter case on
 // case-blind file systems included).
 bool IsSameFile(const QString &a, const QString &b);
+
+// Renames within one file system, never over an existing file, in one step
+// (no check then rename). False with errno set: EEXIST when the name is taken.
+bool RenameWithoutReplacing(const QString &from, const QString &to);
