@@ -25,7 +25,15 @@ done
 [[ ${#missing[@]} -eq 0 ]] && exit 0
 
 sudo=()
-[[ $(id -u) -ne 0 ]] && sudo=(sudo)
+if [[ $(id -u) -ne 0 ]]; then
+    if ! command -v sudo >/dev/null; then
+        echo "These Debian packages are missing: ${missing[*]}" >&2
+        echo "Install them as root (su -c 'apt-get install ${missing[*]}'), or install sudo, then run this again." >&2
+        exit 1
+    fi
+    sudo=(sudo)
+fi
 echo "Installing: ${missing[*]}"
 "${sudo[@]}" apt-get update -qq
-DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
+# Through env: sudo would drop the variable, and apt could stop at a question.
+"${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"

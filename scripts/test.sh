@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds and runs the whole test suite (CTest's
-# summary), then the suites that read files under the sanitizers, then the
-# parser fuzzers briefly.
+# summary), then the suites that read files under the sanitizers. Every
+# fuzzer's seeds and kept inputs are replayed in both; exploring with the
+# fuzzers is tests/fuzz/run.sh, on its own, so a chance find never fails an
+# unrelated change.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh --test
@@ -13,6 +15,3 @@ QT_QPA_PLATFORM=offscreen ctest --output-on-failure --timeout 600 "$@"
 # The suites that read files again, under AddressSanitizer and UBSan.
 cd ..
 scripts/test-sanitized.sh
-
-# The parsers' fuzzers, ten seconds each (a clang build of just those).
-tests/fuzz/run.sh 10

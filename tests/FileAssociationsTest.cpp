@@ -246,6 +246,8 @@ TEST(DesktopEntry, ExecQuotesTheProgramPathOnlyWhenItMust)
         {"/home/me/my build/vimora", R"("/home/me/my build/vimora" %f)"},
         {"/tmp/$HOME/a\"b`c", R"("/tmp/\\$HOME/a\\"b\\`c" %f)"},
         {"/tmp/back\\slash", R"("/tmp/back\\\\slash" %f)"},
+        {"/opt/100%/vimora", R"(/opt/100%%/vimora %f)"},
+        {"/opt/100% sure/vimora", R"("/opt/100%% sure/vimora" %f)"},
     };
     for (const auto &[path, expected] : cases)
         EXPECT_EQ(FileAssociations::execLine(path), expected) << path.toStdString();
@@ -262,3 +264,26 @@ TEST(DesktopEntry, ShippedEntryPassesOnePathAndNamesEveryLinkableType)
 }
 
 } // namespace
+
+// Run as root from a build, linking must not point every user's defaults at
+// a desktop entry in root's home: the shared list is only for an install
+// whose entry every user can see.
+TEST(FileAssociationPlaces, TheSharedListIsForASystemWideInstallOnly)
+{
+    QTemporaryDir root;
+    const QByteArray savedData = qgetenv("XDG_DATA_DIRS");
+    const QByteArray savedConfig = qgetenv("XDG_CONFIG_DIRS");
+    qputenv("XDG_DATA_DIRS", (root.path() + "/share").toUtf8());
+    qputenv("XDG_CONFIG_DIRS", (root.path() + "/etc/xdg").toUtf8());
+    const QString withoutInstall = FileAssociations::Places::standard().systemMimeApps;
+    QDir().mkpath(root.path() + "/share/applications");
+    QFile entry(root.path() + "/share/applications/vimora.desktop");
+    const bool written = entry.open(QIODevice::WriteOnly) && entry.write("[Desktop Entry]\n") > 0;
+    entry.close();
+    const QString withInstall = FileAssociations::Places::standard().systemMimeApps;
+    qputenv("XDG_DATA_DIRS", savedData);
+    qputenv("XDG_CONFIG_DIRS", savedConfig);
+    ASSERT_TRUE(written);
+    EXPECT_TRUE(withoutInstall.isEmpty());
+    EXPECT_EQ(withInstall, root.path() + "/etc/xdg/mimeapps.list");
+}

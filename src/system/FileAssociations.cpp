@@ -67,7 +67,15 @@ Places Places::standard()
         QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/mimeapps.list");
     const QStringList configDirs = qEnvironmentVariable("XDG_CONFIG_DIRS", QStringLiteral("/etc/xdg"))
                                        .split(QLatin1Char(':'), Qt::SkipEmptyParts);
-    if (!configDirs.isEmpty())
+    // Other users' defaults may only name a desktop entry they can see: one
+    // that a system-wide install put in a shared data folder, never the one
+    // in the home of whoever runs this (root included).
+    const QStringList dataDirs = qEnvironmentVariable("XDG_DATA_DIRS", QStringLiteral("/usr/local/share:/usr/share"))
+                                     .split(QLatin1Char(':'), Qt::SkipEmptyParts);
+    const bool installedForAll = std::any_of(dataDirs.begin(), dataDirs.end(), [](const QString &dir) {
+        return QFile::exists(dir + QStringLiteral("/applications/") + DesktopId);
+    });
+    if (installedForAll && !configDirs.isEmpty())
         places.systemMimeApps = configDirs.first() + QStringLiteral("/mimeapps.list");
     places.desktopEntryFolder =
         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/applications");
@@ -80,8 +88,9 @@ QString execLine(const QString &programPath)
     // A plain path is written bare: xdg-mime's own reader of desktop entries
     // takes the quotes for part of the program name and skips the entry.
     static const QString reserved = QStringLiteral(" \t\n\"'\\><~|&;$*?#()`");
+    // A literal % is written %% in either form: %f and the like are field codes.
     if (std::none_of(programPath.begin(), programPath.end(), [](QChar c) { return reserved.contains(c); }))
-        return programPath + QStringLiteral(" %f");
+        return QString(programPath).replace(QLatin1Char('%'), QStringLiteral("%%")) + QStringLiteral(" %f");
     // Inside a quoted argument the desktop entry format puts a backslash
     // before " ` $ and the backslash; the key file doubles each backslash.
     QString quoted;
@@ -91,6 +100,8 @@ QString execLine(const QString &programPath)
         else if (c == u'\\')
             quoted += QStringLiteral("\\\\\\");
         quoted += c;
+        if (c == u'%')
+            quoted += c;
     }
     return QLatin1Char('"') + quoted + QStringLiteral("\" %f");
 }
