@@ -1,10 +1,19 @@
 #include "platform/PictureLoader.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QImageReader>
+#include <QRegularExpression>
 #include <QTemporaryDir>
+#include <QTest>
+#include <QtConcurrent>
 #include <QtEndian>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -445,6 +454,85 @@ TEST(PictureMetafiles, SlowFileIsAbandonedWithinItsTimeLimit)
     clock.start();
     EXPECT_TRUE(PictureLoader::load(path, options).isNull());
     EXPECT_LT(clock.elapsed(), 2000);
+}
+
+namespace {
+
+// Our child of that name, or 0.
+pid_t childNamed(const QString &name)
+{
+    for (const QString &entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        QFile stat(QStringLiteral("/proc/%1/stat").arg(entry));
+        if (!stat.open(QIODevice::ReadOnly))
+            continue;
+        const QString fields = QString::fromLatin1(stat.readAll());
+        const qsizetype nameEnd = fields.lastIndexOf(')');
+        const QStringList after = fields.mid(nameEnd + 2).split(' ');
+        if (fields.mid(fields.indexOf('(') + 1, nameEnd - fields.indexOf('(') - 1) == name && after.size() > 1
+            && after[1].toInt() == ::getpid())
+            return entry.toInt();
+    }
+    return 0;
+}
+
+QString linkOf(const QString &path)
+{
+    char target[4096];
+    const ssize_t length = ::readlink(QFile::encodeName(path).constData(), target, sizeof target);
+    return length > 0 ? QString::fromLocal8Bit(target, length) : QString();
+}
+
+QString readText(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll()) : QString();
+}
+
+} // namespace
+
+// The parsers run in a program that holds nothing of ours and limits itself
+// before it reads the file.
+TEST(PictureMetafiles, TheHelperHoldsOnlyItsSocketAndLimitsItself)
+{
+    QTemporaryDir folder;
+    ASSERT_TRUE(folder.isValid());
+    QByteArray lines;
+    for (int i = 0; i < 1'000'000; ++i)
+        lines += wmfRecord(WmfLineTo, {(i * 7) % 1000, (i * 13) % 1000});
+    const QString path = written(folder, QStringLiteral("slow.wmf"), placeableWmf(QRect(0, 0, 1000, 1000), 96, lines));
+    // Open without close-on-exec, as a library might: a plain fork and exec hands it on.
+    const QString secret = written(folder, QStringLiteral("secret"), "ours");
+    const int ours = ::open(QFile::encodeName(secret).constData(), O_RDONLY);
+    ASSERT_GE(ours, 0);
+
+    PictureLoader::Options options;
+    options.metafileTimeLimitMs = 20000;
+    QFuture<PictureLoader::Picture> loading = QtConcurrent::run([&] { return PictureLoader::load(path, options); });
+    pid_t helper = 0;
+    QString limits;
+    const QRegularExpression cpuLimited(QStringLiteral(R"(Max cpu time\s+21\s+22\s)"));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            helper = helper ? helper : childNamed(QStringLiteral("vimora-metafile"));
+            limits = helper ? readText(QStringLiteral("/proc/%1/limits").arg(helper)) : QString();
+            return cpuLimited.match(limits).hasMatch();
+        },
+        10000));
+    ASSERT_GT(helper, 0);
+    EXPECT_TRUE(limits.contains(QRegularExpression(QStringLiteral(R"(Max file size\s+0\s+0\s)")))) << limits.toStdString();
+    EXPECT_TRUE(limits.contains(QRegularExpression(QStringLiteral(R"(Max core file size\s+0\s+0\s)"))));
+    EXPECT_TRUE(limits.contains(QRegularExpression(QStringLiteral(R"(Max open files\s+128\s+128\s)"))));
+    const QDir descriptors(QStringLiteral("/proc/%1/fd").arg(helper));
+    for (const QString &descriptor : descriptors.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)) {
+        const QString target = linkOf(descriptors.filePath(descriptor));
+        EXPECT_NE(target, QFileInfo(secret).canonicalFilePath()) << "descriptor " << descriptor.toStdString();
+        if (descriptor == QLatin1String("0") || descriptor == QLatin1String("1")) {
+            EXPECT_TRUE(target.startsWith(QLatin1String("socket:"))) << target.toStdString();
+        }
+    }
+    ::close(ours);
+    ::kill(helper, SIGKILL); // a helper that dies gives no picture
+    EXPECT_TRUE(loading.result().isNull());
 }
 
 TEST(PictureSafety, HugeHeadersAreRefusedBeforeAllocating)

@@ -79,10 +79,19 @@ ThumbnailCache::Entry ThumbnailCache::read(const QString &absolutePath, Flavour 
     const QFileInfo file(absolutePath);
     if (!file.exists())
         return {};
-    QFile stored(thumbnailPath(absolutePath, flavour));
-    if (!stored.open(QIODevice::ReadOnly) || stored.size() > LargestThumbnailFile)
+    QFile thumbnail(thumbnailPath(absolutePath, flavour));
+    if (!thumbnail.open(QIODevice::ReadOnly) || thumbnail.size() > LargestThumbnailFile)
         return {};
-    QByteArray bytes = stored.readAll();
+    Stored stored = decode(thumbnail.readAll(), flavour);
+    if (stored.image.isNull() || stored.uri != uriOf(absolutePath) || stored.mtime != mtimeText(file))
+        return {};
+    if (!stored.size.isEmpty() && stored.size != QString::number(file.size()))
+        return {};
+    return Entry{std::move(stored.image), stored.naturalSize};
+}
+
+ThumbnailCache::Stored ThumbnailCache::decode(QByteArray bytes, Flavour flavour)
+{
     if (!chunksFit(bytes))
         return {};
     QBuffer buffer(&bytes);
@@ -92,20 +101,17 @@ ThumbnailCache::Entry ThumbnailCache::read(const QString &absolutePath, Flavour 
     const QSize claimed = reader.size();
     if (!claimed.isValid() || claimed.width() > maxSide(flavour) || claimed.height() > maxSide(flavour))
         return {};
-    QImage image = reader.read();
-    if (image.isNull())
+    Stored stored;
+    stored.image = reader.read();
+    if (stored.image.isNull())
         return {};
-    if (image.text(UriKey).toUtf8() != uriOf(absolutePath) || image.text(MTimeKey) != mtimeText(file))
-        return {};
-    const QString size = image.text(SizeKey);
-    if (!size.isEmpty() && size != QString::number(file.size()))
-        return {};
-    Entry entry;
-    entry.naturalSize = QSize(image.text(WidthKey).toInt(), image.text(HeightKey).toInt());
-    if (entry.naturalSize.isEmpty())
-        entry.naturalSize = QSize();
-    entry.image = std::move(image);
-    return entry;
+    stored.uri = stored.image.text(UriKey).toUtf8();
+    stored.mtime = stored.image.text(MTimeKey);
+    stored.size = stored.image.text(SizeKey);
+    stored.naturalSize = QSize(stored.image.text(WidthKey).toInt(), stored.image.text(HeightKey).toInt());
+    if (stored.naturalSize.isEmpty())
+        stored.naturalSize = QSize();
+    return stored;
 }
 
 bool ThumbnailCache::write(const QString &absolutePath, Flavour flavour, const QImage &image, QSize naturalSize) const

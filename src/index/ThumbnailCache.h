@@ -30,6 +30,16 @@ public:
     };
     // A null entry when there is none, or it is stale or unreadable.
     Entry read(const QString &absolutePath, Flavour flavour) const;
+
+    // What a thumbnail file holds, before it is matched with its picture.
+    struct Stored {
+        QImage image; // null when the bytes are no thumbnail of the flavour
+        QByteArray uri;
+        QString mtime;
+        QString size; // empty when not recorded
+        QSize naturalSize; // invalid when not recorded
+    };
+    static Stored decode(QByteArray bytes, Flavour flavour);
     // image: the picture already fitted into maxSide(flavour). Failing to
     // write is silent: the cache is an accelerator only.
     bool write(const QString &absolutePath, Flavour flavour, const QImage &image, QSize naturalSize) const;

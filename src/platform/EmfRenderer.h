@@ -6,8 +6,8 @@
 #include <QSize>
 
 // Enhanced metafiles (EMF and EMF+): libemf2svg turns the records into SVG,
-// which QtSvg draws. PictureLoader runs the converter in a child process,
-// because it can loop or crash on hostile files.
+// which QtSvg draws. Vimora converts only in the metafile helper, because
+// the converter can loop or crash on hostile files.
 namespace EmfRenderer {
 
 // Whether the bytes start an EMF header (record type 1, " EMF" at offset 40).
@@ -17,8 +17,7 @@ bool isEmf(const QByteArray &fileStart);
 // bounds when the frame is unusable; invalid when the header is broken.
 QSize naturalSizeOf(const QByteArray &fileStart);
 
-// The file converted to SVG. Conversion is the part that parses the file;
-// PictureLoader does it in a forked child.
+// The file converted to SVG: the part that parses the file.
 struct Conversion {
     QByteArray svg;
     QRectF viewBox;    // the picture frame in the SVG's coordinates

@@ -2,41 +2,24 @@
 
 #include "platform/EmfRenderer.h"
 #include "platform/IconDecoder.h"
+#include "platform/MetafileHelper.h"
 #include "platform/RleBitmapDecoder.h"
 #include "platform/WmfRenderer.h"
 
 #include <QBuffer>
-#include <QDataStream>
-#include <QDeadlineTimer>
 #include <QFile>
-#include <QFontDatabase>
-#include <QGuiApplication>
 #include <QImageReader>
 #include <QtConcurrent>
 #include <QtEndian>
 
-#include <fcntl.h>
-#include <poll.h>
-#include <signal.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <functional>
 #include <mutex>
-#include <optional>
-#include <vector>
 
 namespace PictureLoader {
 namespace {
 
 constexpr qint64 LargestWholeFile = 256LL * 1024 * 1024; // RLE bitmaps, icons and metafiles are read whole
 constexpr qsizetype SniffedBytes = 256;
-constexpr qint64 ChildAddressSpace = 2LL * 1024 * 1024 * 1024; // on top of what the child inherits
 
 enum class Decoder { Qt, RleBitmap, Icon, Wmf, Emf };
 
@@ -199,174 +182,17 @@ QSize naturalSizeWithQt(QIODevice *device)
     return prepareReader(reader) ? naturalSizeOf(reader) : QSize();
 }
 
-// --- Metafiles, parsed in a child process --------------------------------
-//
-// libwmf and libemf2svg are C parsers that loop or crash on some hostile
-// files, and a thread stuck inside a parser cannot be stopped. A fork()ed
-// child parses the file and sends back what it made (painter commands or
-// SVG) through a pipe; the parent kills it when the time limit passes, so a
-// bad file costs at most that time and never the program. The child must
-// not rasterise: Qt spreads large fills over thread pools whose threads do
-// not exist in a forked child, so the parent paints.
-
-constexpr qint64 LargestPayload = 512LL * 1024 * 1024;
-
-bool writeAll(int fd, const char *data, qint64 length)
-{
-    while (length > 0) {
-        const ssize_t written = ::write(fd, data, size_t(length));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        data += written;
-        length -= written;
-    }
-    return true;
-}
-
-bool readAll(int fd, char *into, qint64 length, const QDeadlineTimer &deadline)
-{
-    while (length > 0) {
-        pollfd readable{fd, POLLIN, 0};
-        const int ready = ::poll(&readable, 1, int(qMax<qint64>(0, deadline.remainingTime())));
-        if (ready < 0 && errno == EINTR)
-            continue;
-        if (ready <= 0)
-            return false; // failed or out of time
-        const ssize_t got = ::read(fd, into, size_t(length));
-        if (got < 0 && (errno == EINTR || errno == EAGAIN))
-            continue;
-        if (got <= 0)
-            return false; // the child ended without an answer
-        into += got;
-        length -= got;
-    }
-    return true;
-}
-
-[[noreturn]] void runChild(const std::function<QByteArray()> &job, int fd, int timeLimitMs)
-{
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    const rlimit noCoreFiles{0, 0};
-    ::setrlimit(RLIMIT_CORE, &noCoreFiles);
-    if (FILE *statm = std::fopen("/proc/self/statm", "r")) {
-        unsigned long pages = 0;
-        if (std::fscanf(statm, "%lu", &pages) == 1) {
-            const rlim_t limit = rlim_t(pages) * rlim_t(::sysconf(_SC_PAGESIZE)) + rlim_t(ChildAddressSpace);
-            const rlimit addressSpace{limit, limit};
-            ::setrlimit(RLIMIT_AS, &addressSpace);
-        }
-        std::fclose(statm);
-    }
-    ::signal(SIGALRM, SIG_DFL);
-    ::alarm(unsigned(timeLimitMs / 1000 + 2)); // a backstop should the parent be gone
-    const int quiet = ::open("/dev/null", O_WRONLY);
-    if (quiet >= 0)
-        ::dup2(quiet, STDERR_FILENO); // the parsers complain about every broken file
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
-
-    QByteArray answer;
-    try {
-        answer = job();
-    } catch (...) {
-        ::_exit(1);
-    }
-    const quint64 length = quint64(answer.size());
-    const bool sent = writeAll(fd, reinterpret_cast<const char *>(&length), sizeof length)
-        && writeAll(fd, answer.constData(), answer.size());
-    ::_exit(sent ? 0 : 1);
-}
-
-// The job's answer, or nothing when the child failed, crashed or overran.
-std::optional<QByteArray> runInChildProcess(const std::function<QByteArray()> &job, int timeLimitMs)
-{
-    // Font setup is slow; done once here, every child inherits it.
-    static std::once_flag fontsReady;
-    std::call_once(fontsReady, [] {
-        if (qGuiApp)
-            QFontDatabase::families();
-    });
-    int pipeEnds[2];
-    if (::pipe2(pipeEnds, O_CLOEXEC) != 0)
-        return std::nullopt;
-    const QDeadlineTimer deadline(timeLimitMs);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::close(pipeEnds[0]);
-        runChild(job, pipeEnds[1], timeLimitMs);
-    }
-    ::close(pipeEnds[1]);
-    std::optional<QByteArray> answer;
-    quint64 length = 0;
-    if (child > 0 && readAll(pipeEnds[0], reinterpret_cast<char *>(&length), sizeof length, deadline)
-        && length <= quint64(LargestPayload)) {
-        QByteArray bytes(qsizetype(length), Qt::Uninitialized);
-        if (readAll(pipeEnds[0], bytes.data(), bytes.size(), deadline))
-            answer = bytes;
-    }
-    ::close(pipeEnds[0]);
-    if (child > 0) {
-        ::kill(child, SIGKILL); // harmless once it has exited: it stays ours until reaped
-        while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
-        }
-    }
-    return answer;
-}
-
 QSize metafileBound(const Options &options)
 {
     const QSize largest(MaxMetafileSide, MaxMetafileSide);
     return options.fitInto.isValid() ? options.fitInto.boundedTo(largest).expandedTo(QSize(1, 1)) : largest;
 }
 
-Picture loadWmf(const QByteArray &file, const Options &options)
+// Drawn by the metafile helper, never in this process.
+Picture loadMetafile(MetafileHelper::Kind kind, const QByteArray &file, const Options &options)
 {
-    const QSize bound = metafileBound(options);
-    const auto answer = runInChildProcess(
-        [&] {
-            const WmfRenderer::Recording recording = WmfRenderer::record(file, bound, options.metafileTimeLimitMs);
-            QByteArray bytes;
-            QDataStream stream(&bytes, QIODevice::WriteOnly);
-            if (!recording.isNull())
-                stream << recording.naturalSize << recording.size << recording.commands;
-            return bytes;
-        },
-        options.metafileTimeLimitMs);
-    if (!answer || answer->isEmpty())
-        return {};
-    WmfRenderer::Recording recording;
-    QDataStream stream(*answer);
-    stream >> recording.naturalSize >> recording.size >> recording.commands;
-    // What the child says is checked like the file itself.
-    if (stream.status() != QDataStream::Ok || recording.size.width() > bound.width()
-        || recording.size.height() > bound.height())
-        return {};
-    const QImage image = WmfRenderer::paint(recording);
-    return image.isNull() ? Picture{} : Picture{image, recording.naturalSize, {}};
-}
-
-Picture loadEmf(const QByteArray &file, const Options &options)
-{
-    const auto answer = runInChildProcess(
-        [&] {
-            const EmfRenderer::Conversion conversion = EmfRenderer::convert(file);
-            QByteArray bytes;
-            QDataStream stream(&bytes, QIODevice::WriteOnly);
-            if (!conversion.isNull())
-                stream << conversion.naturalSize << conversion.viewBox << conversion.svg;
-            return bytes;
-        },
-        options.metafileTimeLimitMs);
-    if (!answer || answer->isEmpty())
-        return {};
-    EmfRenderer::Conversion conversion;
-    QDataStream stream(*answer);
-    stream >> conversion.naturalSize >> conversion.viewBox >> conversion.svg;
-    if (stream.status() != QDataStream::Ok)
-        return {};
-    const QImage image = EmfRenderer::paint(conversion, metafileBound(options));
-    return image.isNull() ? Picture{} : Picture{image, conversion.naturalSize, {}};
+    const auto drawn = MetafileHelper::draw(kind, file, metafileBound(options), options.metafileTimeLimitMs);
+    return drawn ? Picture{drawn->picture, drawn->naturalSize, {}} : Picture{};
 }
 
 } // namespace
@@ -388,8 +214,8 @@ Picture load(const QString &path, const Options &options)
     switch (decoder) {
     case Decoder::RleBitmap: return fittedPicture(RleBitmapDecoder::decode(bytes, MaxPixels), options);
     case Decoder::Icon: return fittedPicture(IconDecoder::decode(bytes), options);
-    case Decoder::Wmf: return loadWmf(bytes, options);
-    case Decoder::Emf: return loadEmf(bytes, options);
+    case Decoder::Wmf: return loadMetafile(MetafileHelper::Kind::Wmf, bytes, options);
+    case Decoder::Emf: return loadMetafile(MetafileHelper::Kind::Emf, bytes, options);
     case Decoder::Qt: break;
     }
     return {};

@@ -6,9 +6,9 @@
 #include <QSize>
 
 // Windows metafiles (WMF): WmfPlayer plays the records through libwmf's
-// parser, and a QPainter canvas draws them in exact colours. This runs the
-// parser in the calling process; PictureLoader runs record() in a child
-// process, because libwmf can loop or crash on hostile files.
+// parser, and a QPainter canvas draws them in exact colours. Vimora runs it
+// only in the metafile helper, because libwmf can loop or crash on hostile
+// files; the sniffing functions are safe anywhere.
 namespace WmfRenderer {
 
 // Whether the bytes start a placeable (key 0x9AC6CDD7) or a standard WMF.
@@ -18,8 +18,7 @@ bool isWmf(const QByteArray &fileStart);
 // size is only known once the records have been scanned.
 QSize naturalSizeOf(const QByteArray &fileStart);
 
-// The picture as painter commands, recorded without rasterising anything,
-// so that it can be made in a forked child (see PictureLoader).
+// The picture as painter commands.
 struct Recording {
     QPicture commands;
     QSize size;        // the picture's size in pixels: natural, or fitted into a bound

@@ -4,6 +4,7 @@
 #include "index/ExifThumbnail.h"
 #include "index/ThumbnailCache.h"
 #include "platform/EmfRenderer.h"
+#include "platform/MetafileAnswer.h"
 #include "platform/MoviePlaylist.h"
 #include "platform/IconDecoder.h"
 #include "platform/RleBitmapDecoder.h"
@@ -49,11 +50,6 @@ bool writeFile(const QString &path, const QByteArray &bytes)
     QFile file(path);
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
 }
-
-// The thumbnailed picture sits at a fixed path with a fixed time and size,
-// so that the seeds' Thumb::URI, Thumb::MTime and Thumb::Size can match.
-const QString ThumbnailedPicture = QStringLiteral("/tmp/vimora-fuzz-picture.png");
-const QDateTime ThumbnailedTime = QDateTime::fromSecsSinceEpoch(1'000'000'000);
 
 } // namespace
 
@@ -157,22 +153,27 @@ void mimeApps(const QByteArray &input)
 
 void thumbnailCache(const QByteArray &input)
 {
-    static const bool pictureReady = [] {
-        if (!QFile::exists(ThumbnailedPicture) && !writeFile(ThumbnailedPicture, "picture"))
-            return false;
-        QFile picture(ThumbnailedPicture);
-        return picture.open(QIODevice::ReadWrite)
-            && picture.setFileTime(ThumbnailedTime, QFileDevice::FileModificationTime);
-    }();
-    require(pictureReady, "the thumbnailed picture is made");
-    const ThumbnailCache cache(scratchFolder() + QStringLiteral("/thumbnails"));
-    const QString thumbnail = cache.thumbnailPath(ThumbnailedPicture, ThumbnailCache::Flavour::Normal);
-    QDir().mkpath(QFileInfo(thumbnail).absolutePath());
-    if (!writeFile(thumbnail, input))
+    const ThumbnailCache::Stored stored = ThumbnailCache::decode(input, ThumbnailCache::Flavour::Normal);
+    require(stored.image.isNull()
+                || (stored.image.width() <= ThumbnailCache::maxSide(ThumbnailCache::Flavour::Normal)
+                    && stored.image.height() <= ThumbnailCache::maxSide(ThumbnailCache::Flavour::Normal)),
+            "a thumbnail is no larger than its flavour");
+    require(!stored.naturalSize.isValid() || !stored.naturalSize.isEmpty(), "a recorded natural size is a size");
+}
+
+void metafileAnswer(const QByteArray &input)
+{
+    const auto drawn = MetafileAnswer::read(input, PaintBound);
+    if (!drawn)
         return;
-    const ThumbnailCache::Entry entry = cache.read(ThumbnailedPicture, ThumbnailCache::Flavour::Normal);
-    require(entry.isNull() || !entry.naturalSize.isValid() || !entry.naturalSize.isEmpty(),
-            "a recorded natural size is a size");
+    require(drawn->picture.width() <= PaintBound.width() && drawn->picture.height() <= PaintBound.height(),
+            "the helper's picture fits the bound asked for");
+    for (int y = 0; y < drawn->picture.height(); ++y)
+        for (int x = 0; x < drawn->picture.width(); ++x) {
+            const QRgb pixel = drawn->picture.pixel(x, y);
+            require(qMax(qMax(qRed(pixel), qGreen(pixel)), qBlue(pixel)) <= qAlpha(pixel),
+                    "a premultiplied pixel is no brighter than its alpha");
+        }
 }
 
 void exifThumbnail(const QByteArray &input)
@@ -189,7 +190,7 @@ void exifThumbnail(const QByteArray &input)
 
 std::span<const Target> all()
 {
-    static const std::array<Target, 9> targets = {{
+    static const std::array<Target, 10> targets = {{
         {"rle", rleBitmap},
         {"icon", icon},
         {"wmf", wmf},
@@ -199,6 +200,7 @@ std::span<const Target> all()
         {"mimeapps", mimeApps},
         {"thumbnail_cache", thumbnailCache},
         {"exif", exifThumbnail},
+        {"metafile_answer", metafileAnswer},
     }};
     return targets;
 }

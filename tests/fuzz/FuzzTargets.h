@@ -25,6 +25,7 @@ void messageFile(const QByteArray &input);
 void mimeApps(const QByteArray &input);
 void thumbnailCache(const QByteArray &input);
 void exifThumbnail(const QByteArray &input);
+void metafileAnswer(const QByteArray &input);
 
 std::span<const Target> all();
 

@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""Writes the seeds of the text and thumbnail fuzz targets (the metafile and
-RLE seeds are small files copied from the test corpus)."""
+"""Writes the seeds of the text, thumbnail and metafile-answer fuzz targets
+(the metafile and RLE seeds are small files copied from the test corpus)."""
 import os
 import struct
 import zlib
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 
-# Must match FuzzTargets.cpp: the thumbnailed picture, its time and size.
-PICTURE_URI = b"file:///tmp/vimora-fuzz-picture.png"
+# A thumbnail's picture, its time and size.
+PICTURE_URI = b"file:///home/user/Pictures/holiday%20photo.png"
 PICTURE_MTIME = b"1000000000"
 PICTURE_SIZE = b"7"
 
@@ -58,9 +58,24 @@ def thumbnails():
     }
 
 
+def metafile_answer(width, height, natural, pixel):
+    header = b"VMF1" + struct.pack("<IIII", width, height, *natural)
+    return header + struct.pack("<I", pixel) * (width * height)
+
+
+def metafile_answers():
+    return {
+        "natural.bin": metafile_answer(3, 2, (3, 2), 0xFF2040C0),
+        "scaled.bin": metafile_answer(4, 1, (4000, 1000), 0x80402010),
+        "brighter_than_alpha.bin": metafile_answer(2, 2, (2, 2), 0x10FFFFFF),
+        "short.bin": metafile_answer(2, 2, (2, 2), 0xFFFFFFFF)[:-3],
+    }
+
+
 def main():
     seeds = dict(TEXTS)
     seeds["thumbnail_cache"] = thumbnails()
+    seeds["metafile_answer"] = metafile_answers()
     for target, files in seeds.items():
         folder = os.path.join(HERE, "seeds", target)
         os.makedirs(folder, exist_ok=True)

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/MetafileAnswer.h"
+
+#include <QByteArray>
+#include <QSize>
+#include <QString>
+
+#include <optional>
+
+// Metafiles are drawn by vimora-metafile, a program of Vimora's own, because
+// libwmf and libemf2svg can loop or crash on hostile files and a thread stuck
+// inside a parser cannot be stopped. The helper gets the file on its standard
+// input and only the pipes as descriptors, limits its own CPU time, memory and
+// file writes before it reads a byte, and is killed when the time limit
+// passes; its answer is checked like the file itself.
+namespace MetafileHelper {
+
+enum class Kind { Wmf, Emf };
+
+// The picture drawn at its natural size, or scaled down to fit `bound`;
+// nothing when the helper failed, crashed, overran or answered nonsense.
+std::optional<MetafileAnswer::Drawn> draw(Kind kind, const QByteArray &file, const QSize &bound, int timeLimitMs);
+
+// Beside the running program (the build tree, tests), else where installed.
+QString program();
+
+} // namespace MetafileHelper
