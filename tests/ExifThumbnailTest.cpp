@@ -160,7 +160,9 @@ TEST(ExifThumbnailFind, TruncatedAndDamagedInputIsSafe)
         QByteArray damaged = whole.left(exifEnd);
         for (int i = 0; i < 4; ++i)
             damaged[2 + random.bounded(int(200))] = char(random.bounded(256)); // the segment header and IFDs
-        ExifThumbnail::find(damaged);
+        const ExifThumbnail::Found found = ExifThumbnail::find(damaged);
+        EXPECT_TRUE(found.orientation >= 1 && found.orientation <= 8) << round;
+        EXPECT_TRUE(found.jpeg.isEmpty() || damaged.contains(found.jpeg)) << round;
     }
 }
 

@@ -74,7 +74,11 @@ TEST(MainWindowLifecycle, AStartThatEndedAbnormallyOpensTheProgramFolder)
     fixture.settings().write("UserDef", "Language", "EN");
     fixture.settings().write("UserDef", "Path", photos);
     fixture.start();
-    // No orderly shutdown: the next start finds no stored folder.
+    EXPECT_EQ(fixture.state->CurrentFolder, photos);
+    // What a crash now would leave on disk: no folder to return to.
+    const QSettings onDisk(fixture.iniPath(), QSettings::IniFormat);
+    EXPECT_FALSE(onDisk.contains("UserDef/Path"));
+    // And a start without a stored folder opens the program's.
     MainWindowFixture second;
     second.settings().write("UserDef", "Language", "EN");
     second.start();

@@ -79,6 +79,8 @@ TEST_P(MainWindowAutoPlay, OpensPlayingOrStoppedOnItsFirstFrame)
     EXPECT_TRUE(movies.player().isVisible());
     EXPECT_TRUE(QTest::qWaitFor([&] { return TestClips::showsColourBars(movies.player().currentFrame()); },
                                 OpenTimeoutMs));
+    // Its first frame is on screen, so libmpv has opened it: it would play by now.
+    EXPECT_EQ(movies.player().PlayState(), expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(OnAndOff, MainWindowAutoPlay, ::testing::Bool());

@@ -49,6 +49,7 @@ void frmMain::Form_Load(const QString &commandLine)
     if (!withFile) {
         const QString stored = settings.read(UserDef, QStringLiteral("Path"), programFolder);
         settings.deleteKey(UserDef, QStringLiteral("Path"));
+        settings.flush(); // on disk now, so that a crash leaves no folder to return to
         const QList<Drive> drives = m_listDrives();
         m_state.CurrentFolder = StartupRules::startFolder(stored, m_state.ProgramFolder,
                                                           Testa_CDRom(stored, drives), isNetworkPath(stored, drives));
