@@ -1,5 +1,7 @@
 #include "viewer/frmMain.h"
 
+#include "viewer/FolderWatch.h"
+
 #include "core/AppState.h"
 #include "core/FormTexts.h"
 #include "core/MessageCatalogue.h"
@@ -63,6 +65,8 @@ frmMain::frmMain(AppState &state, Prompts &prompts, Launcher &launcher, QWidget 
     buildMenus();
     connectHandlers();
     connectLaunchHandlers();
+    m_folderWatch = new FolderWatch(this);
+    connect(m_folderWatch, &FolderWatch::changed, this, &frmMain::followFolderChange);
     // The window never gets smaller than its layout needs.
     setMinimumSize(m_twips.toPixelsX(ViewGeometry::MinWindowWidth), m_twips.toPixelsY(ViewGeometry::MinWindowHeight));
     const QSize available = screen->availableGeometry().size();

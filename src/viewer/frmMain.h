@@ -25,6 +25,7 @@ class Prompts;
 class clsCommonDialog;
 class VolumeControl;
 class PicturePrefetch;
+class FolderWatch;
 namespace PictureLoader {
 struct Picture;
 }
@@ -413,4 +414,14 @@ private:
     // showing it again. False when the list no longer has it.
     bool settleShownEarly(const QString &name);
     std::shared_ptr<PicturePrefetch> m_prefetch; // shared_ptr: incomplete here
+
+    // The shown folder as other programs change it (frmMainFolderWatch.cpp).
+public:
+    FolderWatch &folderWatch() { return *m_folderWatch; }
+private:
+    void watchListedFolder();
+    void followFolderChange();
+    bool folderChangeMustWait() const;
+    FolderWatch *m_folderWatch = nullptr;
+    bool m_listing = false; // Carica_ListaImages is under way
 };

@@ -19,6 +19,7 @@
 #include <QFileSystemModel>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScopeGuard>
 #include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
@@ -45,6 +46,9 @@ void frmMain::Carica_ListaImages(QString name)
         return;
 
     setWaitCursor(true);
+    m_listing = true;
+    const auto listed = qScopeGuard([this] { m_listing = false; });
+    watchListedFolder();
     FolderListing listing(m_state.CurrentFolder, m_state.TypeFilterCode, CboType->currentText());
     while (listing.unreadable() && askAfterReadError(m_state.CurrentFolder))
         listing = FolderListing(m_state.CurrentFolder, m_state.TypeFilterCode, CboType->currentText());
@@ -56,6 +60,7 @@ void frmMain::Carica_ListaImages(QString name)
         if (generation != m_listGeneration)
             return; // a newer folder or filter took over
     }
+    m_listing = false;
     m_state.FileNames = listing.names().isEmpty() ? QStringList{QString()} : listing.names();
     const int count = m_state.listIsEmpty() ? 0 : int(m_state.FileNames.size());
     m_state.FolderSummaryText = FolderSummaryText(count, listing.totalBytes());

@@ -1,0 +1,127 @@
+// The shown folder as other programs change it.
+#include "index/frmIndex.h"
+#include "support/MainWindowFixture.h"
+#include "viewer/FolderWatch.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QSignalSpy>
+#include <QTest>
+
+TEST(FolderWatchRules, ABurstIsSettledWithinItsLatestMoment)
+{
+    EXPECT_EQ(FolderWatchRules::settleDelay(0), FolderWatch::QuietMs);
+    EXPECT_EQ(FolderWatchRules::settleDelay(FolderWatch::LatestMs - 40), 40);
+    EXPECT_EQ(FolderWatchRules::settleDelay(FolderWatch::LatestMs + 500), 0);
+}
+
+TEST(FolderWatchRules, AGoneFileGivesWayToTheNextOneStillThere)
+{
+    const QStringList before{"a", "b", "c", "d"};
+    EXPECT_EQ(FolderWatchRules::successor(before, 1, {"a", "c", "d"}), "c");
+    EXPECT_EQ(FolderWatchRules::successor(before, 1, {"a", "d", "e"}), "d"); // c went too
+    EXPECT_EQ(FolderWatchRules::successor(before, 3, {"a", "b"}), "b");     // the last: the one before
+    EXPECT_EQ(FolderWatchRules::successor(before, 1, {"x"}), "x");          // everything else went
+    EXPECT_EQ(FolderWatchRules::successor(before, 1, {}), "");
+}
+
+namespace {
+
+struct LiveFolder : ::testing::Test {
+    MainWindowFixture fixture;
+    QString folder = fixture.makeFolder("camera");
+
+    frmMain &start(const QStringList &names)
+    {
+        fixture.makeFiles(folder, names);
+        fixture.settings().write("UserDef", "Language", "EN");
+        frmMain &window = fixture.start(folder + '/' + names.first());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window.LabFil->text() == names.first(); }, 5000));
+        return window;
+    }
+    // As another program writes it: under a temporary name, then renamed.
+    void writeElsewhere(const QString &name)
+    {
+        const QString scratch = fixture.makeFolder("scratch");
+        fixture.makeFiles(scratch, {name});
+        ASSERT_TRUE(QFile::rename(scratch + '/' + name, folder + '/' + name));
+    }
+    bool statusSays(frmMain &window, const QString &position, const QString &file)
+    {
+        return QTest::qWaitFor([&] { return window.LabNum->text() == position && window.LabFil->text() == file; },
+                               3000);
+    }
+};
+
+} // namespace
+
+TEST_F(LiveFolder, FilesOtherProgramsAddOrRemoveJoinOrLeaveTheListInTheirPlace)
+{
+    frmMain &window = start({"a.bmp", "c.bmp"});
+    QSignalSpy shown(&window, &frmMain::fileShown);
+    writeElsewhere("b.bmp");
+    EXPECT_TRUE(statusSays(window, " 1/3 ", "a.bmp"));
+    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "b.bmp", "c.bmp"}));
+    EXPECT_EQ(shown.count(), 0); // the picture on show was left alone
+
+    QTest::keyClick(&window, Qt::Key_Down);
+    ASSERT_TRUE(statusSays(window, " 2/3 ", "b.bmp"));
+    ASSERT_TRUE(QFile::remove(folder + "/a.bmp"));
+    EXPECT_TRUE(statusSays(window, " 1/2 ", "b.bmp"));
+    EXPECT_FALSE(window.cmdBack->isEnabled());
+}
+
+TEST_F(LiveFolder, AFileOnShowRemovedElsewhereGivesWayToTheNextAsAfterDelete)
+{
+    frmMain &window = start({"a.bmp", "b.bmp", "c.bmp"});
+    QTest::keyClick(&window, Qt::Key_Down);
+    ASSERT_TRUE(statusSays(window, " 2/3 ", "b.bmp"));
+    ASSERT_TRUE(QFile::remove(folder + "/b.bmp"));
+    EXPECT_TRUE(statusSays(window, " 2/2 ", "c.bmp"));
+
+    ASSERT_TRUE(QFile::remove(folder + "/a.bmp"));
+    ASSERT_TRUE(QFile::remove(folder + "/c.bmp"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return fixture.state->listIsEmpty(); }, 3000));
+    EXPECT_TRUE(fixture.state->CurrentFileName.isEmpty());
+    writeElsewhere("new.bmp"); // into an empty folder: shown
+    EXPECT_TRUE(statusSays(window, " 1/1 ", "new.bmp"));
+}
+
+TEST_F(LiveFolder, ABurstOfNewFilesIsReadOnceOrTwiceAndTheIndexPageFollows)
+{
+    frmMain &window = start({"a.bmp"});
+    window.cmdIndex->click();
+    frmIndex &index = *window.indexWindow();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 20000));
+    QSignalSpy reread(&window, &frmMain::listLoaded);
+    for (int i = 0; i < 3000; ++i) {
+        QFile file(folder + QStringLiteral("/burst %1.jpg").arg(i, 4, 10, QLatin1Char('0')));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    EXPECT_TRUE(statusSays(window, " 1/3001 ", "a.bmp"));
+    QSignalSpy settled(&window.folderWatch(), &FolderWatch::settled);
+    EXPECT_TRUE(settled.wait(3000) || reread.count() > 0); // the burst's last events are in
+    EXPECT_GE(reread.count(), 1);
+    EXPECT_LE(reread.count(), 3);
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            return !index.pageLoading() && index.cellOfPath(folder + "/burst 0000.jpg") >= 0;
+        },
+        20000));
+}
+
+TEST_F(LiveFolder, VimorasOwnChoresAreNotListedTwice)
+{
+    frmMain &window = start({"a.bmp", "b.bmp", "c.bmp"});
+    QSignalSpy reread(&window, &frmMain::listLoaded);
+    QSignalSpy settled(&window.folderWatch(), &FolderWatch::settled);
+    QSignalSpy changed(&window.folderWatch(), &FolderWatch::changed);
+    fixture.prompts.answers = {PromptAnswer::Yes};
+    QTest::keyClick(&window, Qt::Key_Delete);
+    ASSERT_TRUE(statusSays(window, " 1/2 ", "b.bmp"));
+    EXPECT_EQ(reread.count(), 1);
+    ASSERT_TRUE(settled.wait(3000)); // the deletion's own inotify events, settled
+    EXPECT_EQ(changed.count(), 0);
+    EXPECT_EQ(reread.count(), 1);
+}
