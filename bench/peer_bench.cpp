@@ -19,12 +19,14 @@
 #include <QThread>
 
 #include <xcb/xcb.h>
+#include <xcb/xtest.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <map>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace {
 
@@ -128,6 +130,60 @@ private:
     xcb_window_t m_root = 0;
 };
 
+// Key presses sent straight to the X server (XTEST), so that a press is
+// timed from the moment it is made, not from a helper program's start.
+class KeyPresser {
+public:
+    explicit KeyPresser(const QByteArray &display)
+    {
+        m_connection = xcb_connect(display.constData(), nullptr);
+        if (xcb_connection_has_error(m_connection))
+            return;
+        const xcb_setup_t *setup = xcb_get_setup(m_connection);
+        m_first = setup->min_keycode;
+        const int count = setup->max_keycode - setup->min_keycode + 1;
+        std::unique_ptr<xcb_get_keyboard_mapping_reply_t, decltype(&free)> mapping(
+            xcb_get_keyboard_mapping_reply(m_connection,
+                                           xcb_get_keyboard_mapping(m_connection, m_first, uint8_t(count)), nullptr),
+            &free);
+        if (!mapping)
+            return;
+        const xcb_keysym_t *symbols = xcb_get_keyboard_mapping_keysyms(mapping.get());
+        const int perCode = mapping->keysyms_per_keycode;
+        m_symbols.assign(symbols, symbols + count * perCode);
+        m_perCode = perCode;
+    }
+    ~KeyPresser() { xcb_disconnect(m_connection); }
+
+    // The key of an X keysym name the bench uses; 0 when unknown.
+    xcb_keycode_t keyOf(const QString &name) const
+    {
+        static const std::map<QString, xcb_keysym_t> symbols{
+            {QStringLiteral("Down"), 0xff54}, {QStringLiteral("Right"), 0xff53}, {QStringLiteral("n"), 0x006e}};
+        const auto symbol = symbols.find(name);
+        if (symbol == symbols.end() || m_perCode == 0)
+            return 0;
+        for (size_t i = 0; i < m_symbols.size(); ++i)
+            if (m_symbols[i] == symbol->second)
+                return xcb_keycode_t(m_first + int(i) / m_perCode);
+        return 0;
+    }
+
+    // Pressed and released; returns once the server has taken both.
+    void press(xcb_keycode_t key)
+    {
+        xcb_test_fake_input(m_connection, XCB_KEY_PRESS, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+        xcb_test_fake_input(m_connection, XCB_KEY_RELEASE, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+        free(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    }
+
+private:
+    xcb_connection_t *m_connection = nullptr;
+    std::vector<xcb_keysym_t> m_symbols;
+    int m_first = 0;
+    int m_perCode = 0;
+};
+
 struct Viewer {
     QString name;
     QString program;
@@ -192,14 +248,12 @@ public:
     QByteArray display() const { return m_display; }
     QProcessEnvironment environment() const { return m_environment; }
 
-    void press(const QStringList &keys, int gapMs = 0) const
+    // Keys with modifiers, untimed (the mode keys).
+    void press(const QStringList &keys) const
     {
         QProcess xdotool;
         xdotool.setProcessEnvironment(m_environment);
-        QStringList arguments{QStringLiteral("key")};
-        if (gapMs > 0)
-            arguments << QStringLiteral("--delay") << QString::number(gapMs);
-        xdotool.start(QStringLiteral("xdotool"), arguments + keys);
+        xdotool.start(QStringLiteral("xdotool"), QStringList{QStringLiteral("key")} + keys);
         xdotool.waitForFinished(30000);
     }
 
@@ -251,17 +305,22 @@ Measure measure(const Desktop &desktop, const Viewer &viewer, const QString &fol
             QThread::msleep(500);
         }
         QThread::msleep(1500);
+        KeyPresser keys(desktop.display());
+        const xcb_keycode_t next = keys.keyOf(viewer.nextKey);
+        if (next == 0)
+            return result;
         clock.restart();
-        desktop.press({viewer.nextKey});
+        keys.press(next);
         result.nextMs = screen.waitFor(1, clock);
         if (result.nextMs) {
             QThread::msleep(1000);
-            clock.restart();
-            desktop.press(QStringList(HeldPresses, viewer.nextKey), PressGapMs);
-            // From the moment the last press was sent, not from xdotool's end.
-            const double lastPressMs = (HeldPresses - 1) * PressGapMs;
-            if (const auto shown = screen.waitFor(1 + HeldPresses, clock))
-                result.heldMs = std::max(0.0, *shown - lastPressMs);
+            for (int press = 0; press < HeldPresses; ++press) {
+                if (press > 0)
+                    QThread::msleep(PressGapMs);
+                clock.restart(); // the last press counts
+                keys.press(next);
+            }
+            result.heldMs = screen.waitFor(1 + HeldPresses, clock);
         }
     }
     process.terminate();

@@ -101,6 +101,13 @@ PictureLoader::Picture PicturePrefetch::obtain(const QString &path, const Target
     return picture;
 }
 
+bool PicturePrefetch::isReady(const QString &path, const Target &target) const
+{
+    const auto held = std::find_if(m_entries.begin(), m_entries.end(),
+                                   [&](const Entry &entry) { return entry.path == path && entry.target == target; });
+    return held != m_entries.end() && held->picture.isFinished() && held->stamp == stampOf(path);
+}
+
 void PicturePrefetch::hold(const QStringList &paths, const Target &target)
 {
     for (auto entry = m_entries.begin(); entry != m_entries.end();) {

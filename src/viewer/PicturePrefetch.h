@@ -47,6 +47,10 @@ public:
     // takes longer than limitMs gives a null picture.
     PictureLoader::Picture obtain(const QString &path, const Target &target, int limitMs);
 
+    // Whether obtain() would give the picture at once: held, decoded, and
+    // the file unchanged since.
+    bool isReady(const QString &path, const Target &target) const;
+
     // Holds exactly these paths for target: decoding starts for those
     // missing, the others are dropped (jobs not started yet are skipped).
     void hold(const QStringList &paths, const Target &target);

@@ -402,6 +402,7 @@ private:
     QSize fitTarget() const; // the pixels fit mode decodes for
     QSize actualSizeViewport() const; // where a picture at actual size shows
     PictureLoader::Picture loadForDisplay(const QString &path, bool fitted);
+    bool shownAtOnce(const QString &path) const; // a picture decoded ahead and ready
     void prefetchNeighbours();
     // Decodes what the picture control shows but does not hold: a part of a
     // large JPEG panned or zoomed to, or more pixels than a fit needed.

@@ -64,7 +64,14 @@ void frmMain::Mostra_Image(bool backward, const QString &name, bool nameIsFullPa
     stopSlideTimer();
     clearDisplay();
     setCommandButtonsEnabled(false);
-    QCoreApplication::processEvents();
+    // The cleared window is painted only when something slow may follow: a
+    // picture decoded ahead shows at once, without a blank frame before it.
+    const QString folder = m_state.CurrentFolder.endsWith(QLatin1Char('/')) ? m_state.CurrentFolder
+                                                                            : m_state.CurrentFolder + QLatin1Char('/');
+    const QString upcoming =
+        nameIsFullPath ? name : folder + (name.isEmpty() ? m_state.FileNames.value(m_state.CurrentIndex) : name);
+    if (!shownAtOnce(upcoming))
+        QCoreApplication::processEvents();
 
     if (nameIsFullPath) {
         const qsizetype cut = name.lastIndexOf(QLatin1Char('/'));

@@ -17,6 +17,15 @@ PicturePrefetch &frmMain::prefetch()
     return *m_prefetch;
 }
 
+namespace {
+
+PicturePrefetch::Target displayTarget(bool fitted, QSize fitInto, QSize viewport)
+{
+    return fitted ? PicturePrefetch::Target::fitted(fitInto) : PicturePrefetch::Target::actualSize(viewport);
+}
+
+} // namespace
+
 QSize frmMain::fitTarget() const { return QSize(width(), height()) * devicePixelRatio(); }
 
 QSize frmMain::actualSizeViewport() const
@@ -26,9 +35,13 @@ QSize frmMain::actualSizeViewport() const
 
 PictureLoader::Picture frmMain::loadForDisplay(const QString &path, bool fitted)
 {
-    const PicturePrefetch::Target target =
-        fitted ? PicturePrefetch::Target::fitted(fitTarget()) : PicturePrefetch::Target::actualSize(actualSizeViewport());
-    return prefetch().obtain(path, target, m_state.PictureDecodeLimitMs);
+    return prefetch().obtain(path, displayTarget(fitted, fitTarget(), actualSizeViewport()), m_state.PictureDecodeLimitMs);
+}
+
+bool frmMain::shownAtOnce(const QString &path) const
+{
+    return m_prefetch
+        && m_prefetch->isReady(path, displayTarget(Option1[0]->isChecked(), fitTarget(), actualSizeViewport()));
 }
 
 void frmMain::prefetchNeighbours()
@@ -46,8 +59,7 @@ void frmMain::prefetchNeighbours()
     for (const QString &name : PrefetchRules::namesToHold(m_state.FileNames, m_state.CurrentIndex, m_state.SlideshowOn,
                                                           fitted ? PrefetchRules::Fitted : PrefetchRules::ActualSize))
         paths.append(folder + name);
-    prefetch().hold(paths, fitted ? PicturePrefetch::Target::fitted(fitTarget())
-                                  : PicturePrefetch::Target::actualSize(actualSizeViewport()));
+    prefetch().hold(paths, displayTarget(fitted, fitTarget(), actualSizeViewport()));
 }
 
 void frmMain::fillPictureView()
