@@ -175,6 +175,16 @@ TEST(DrivesSources, NoOpticalDrivesWithoutSysfs)
     EXPECT_TRUE(drives.first().ready);
 }
 
+TEST(DrivesSources, ARootWithoutAMountOfItsOwnIsStillADrive)
+{
+    // What a chroot sees: the bind mounts made for it, none for "/".
+    const QList<Drive> drives = drivesFrom({{"/tmp", "/dev/vda", "ext4", ""}, {"/home/me/usb", "/dev/sdb1", "vfat", ""}},
+                                           "/nonexistent/sys/class/block");
+    EXPECT_EQ(driveOf("/home/me/pictures", drives), "/");
+    EXPECT_TRUE(Testa_CDPronto("/home/me/pictures", drives));
+    EXPECT_EQ(driveOf("/home/me/usb/a.jpg", drives), "/home/me/usb");
+}
+
 TEST(DrivesSources, ThisMachineHasARootDrive)
 {
     const QList<Drive> drives = listDrives();

@@ -98,6 +98,14 @@ QList<Drive> drivesFrom(const QList<MountEntry> &mounts, const QString &sysBlock
             drives.append(drive);
     }
 
+    // Inside a chroot the root is no mount point of its own, yet every path
+    // still lies on it.
+    if (std::none_of(drives.begin(), drives.end(), [](const Drive &d) { return d.rootPath == u"/"; })) {
+        Drive root;
+        root.rootPath = QStringLiteral("/");
+        drives.append(root);
+    }
+
     // Optical drives are listed even without a disc, which is what makes
     // them "not ready" rather than absent.
     const QStringList opticals =
