@@ -201,6 +201,51 @@ TEST_P(FolderListingSteps, OrderDoesNotDependOnTheStepSize)
 
 INSTANTIATE_TEST_SUITE_P(FolderListingTest, FolderListingSteps, ::testing::Values(1, 3, 7, 64, 299, 5000));
 
+// Names reach the sorting thread as the folder's raw bytes: each must come
+// back whole, whatever it holds, and a name that is no UTF-8 as Qt decodes it.
+TEST(FolderListingTest, OddNamesComeBackWhole)
+{
+    QTemporaryDir dir;
+    const QStringList odd{"a b, c.jpg", "città.jpg", "line\nbreak.jpg", "x\ty.jpg", "日本.jpg", "'q\".jpg"};
+    for (const QString &name : odd)
+        touch(dir.path() + '/' + name);
+    const QByteArray latin1Name = QFile::encodeName(dir.path()) + "/caf\xe9.jpg"; // not valid UTF-8
+    QFile raw(QFile::decodeName(latin1Name));
+    ASSERT_TRUE(raw.open(QIODevice::WriteOnly));
+    raw.close();
+
+    const QStringList names = listUnder(dir.path(), 0).names();
+    ASSERT_EQ(names.size(), odd.size() + 1);
+    for (const QString &name : odd)
+        EXPECT_TRUE(names.contains(name)) << qPrintable(name);
+    EXPECT_TRUE(names.contains(QFile::decodeName(QByteArray("caf\xe9.jpg"))));
+    for (const QString &name : names)
+        EXPECT_TRUE(QFile::exists(dir.path() + '/' + name)) << qPrintable(name);
+}
+
+// A folder changed while its names are still being sorted: the listing
+// goes at once and takes nothing along.
+TEST(FolderListingTest, CancelledWhileSortingLeavesNothing)
+{
+    QTemporaryDir dir;
+    for (int n = 0; n < 6000; ++n)
+        touch(dir.path() + QStringLiteral("/p%1.bmp").arg(n));
+    for (int round = 0; round < 20; ++round) {
+        FolderListing listing(dir.path(), "BMP", "BMP");
+        for (int step = 0; step < round; ++step)
+            listing.step(1000);
+        listing.cancel();
+        EXPECT_TRUE(listing.done());
+        EXPECT_TRUE(listing.names().isEmpty());
+    }
+    FolderListing complete(dir.path(), "BMP", "BMP");
+    while (!complete.step(1000)) {
+    }
+    EXPECT_EQ(complete.count(), 6000);
+    EXPECT_EQ(complete.names().first(), "p0.bmp");
+    EXPECT_EQ(complete.names().last(), "p5999.bmp");
+}
+
 TEST(FolderListingTest, AStepReadsAtMostItsShareOfEntriesAdmittedOrNot)
 {
     // A folder of thousands of other files must not be read in one go.

@@ -9,8 +9,10 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QLocale>
+#include <QThreadPool>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cmath>
 #include <deque>
@@ -160,14 +162,79 @@ private:
     size_t m_arranged = 0;
 };
 
+// The names put in order on a thread of its own while the window's thread
+// reads the folder: the collation and the stat calls then share two cores
+// instead of adding up, and no step of the window's waits for a merge.
+class BackgroundOrder {
+public:
+    BackgroundOrder() { m_pool.setMaxThreadCount(1); } // one thread: the runs go in order
+    ~BackgroundOrder() { m_stop = true; } // m_pool, last member, goes first and waits
+
+    // The name as the folder gives it: decoding it is left to the sorting
+    // thread too, and one buffer a run spares the reading thread an
+    // allocation a name.
+    void add(const char *name)
+    {
+        m_batch.append(name, qsizetype(std::strlen(name) + 1));
+        ++m_batchCount;
+    }
+
+    // Hands the names added since the last call over as one run.
+    void closeRun()
+    {
+        if (m_batchCount == 0)
+            return;
+        m_pool.start([this, batch = std::move(m_batch)] {
+            if (m_stop)
+                return;
+            for (const char *name = batch.constData(); name < batch.constData() + batch.size();) {
+                const qsizetype length = qsizetype(std::strlen(name));
+                m_order.add(QFile::decodeName(QByteArray::fromRawData(name, length)));
+                name += length + 1;
+            }
+            m_order.closeRun();
+        });
+        m_batch = QByteArray();
+        m_batchCount = 0;
+    }
+
+    // After the last run: merges everything, giving up soon once stopped.
+    void finish()
+    {
+        closeRun();
+        m_pool.start([this] {
+            const auto slice = [] { return QDeadlineTimer(2); };
+            while (!m_order.mergeAll(slice()))
+                if (m_stop)
+                    return;
+            while (!m_order.arrange(slice()))
+                if (m_stop)
+                    return;
+            m_sorted = m_order.takeSorted();
+        });
+    }
+
+    // True once finish()'s work is done, waiting at most ms for it.
+    bool waitForSorted(int ms) { return m_pool.waitForDone(ms); }
+    QStringList takeSorted() { return std::move(m_sorted); }
+
+private:
+    NaturalOrder m_order; // touched only by the pool's thread
+    QByteArray m_batch; // names, each ended by a zero byte
+    int m_batchCount = 0;
+    QStringList m_sorted;
+    std::atomic_bool m_stop = false;
+    QThreadPool m_pool;
+};
+
 } // namespace
 
 struct FolderListing::State {
     QString filterCode;
     QString filterItemText;
     DIR *handle = nullptr;
-    bool allRead = false; // then the steps finish the merging
-    NaturalOrder order;
+    bool allRead = false; // then the steps wait for the sorting
+    BackgroundOrder order;
     // admits() depends only on a name's last four characters: the answer
     // is kept per tail, so most names are judged before being decoded.
     QHash<quint32, bool> admittedAsciiTails;
@@ -237,10 +304,8 @@ bool FolderListing::step(int maxEntries)
     const int dirFd = dirfd(dir);
     QElapsedTimer clock;
     clock.start();
-    // Sorting and merging may take the step up to a frame, then wait.
-    const QDeadlineTimer mergeUntil(StepBudgetMs * 3 / 2);
     if (m_state->allRead) {
-        if (!m_state->order.mergeAll(mergeUntil) || !m_state->order.arrange(mergeUntil))
+        if (!m_state->order.waitForSorted(StepBudgetMs))
             return false;
         m_names = m_state->order.takeSorted();
         m_state.reset();
@@ -255,7 +320,8 @@ bool FolderListing::step(int maxEntries)
         if (!entry) {
             m_unreadable = errno != 0; // an I/O error part way through
             m_state->allRead = true;
-            break;
+            m_state->order.finish();
+            return false;
         }
         if (entry->d_name[0] == '.')
             continue; // hidden, and "." and ".."
@@ -268,10 +334,10 @@ bool FolderListing::step(int maxEntries)
         struct stat info;
         if (fstatat(dirFd, entry->d_name, &info, 0) != 0 || !S_ISREG(info.st_mode))
             continue; // vanished meanwhile, a dangling link, or a folder
-        m_state->order.add(QFile::decodeName(entry->d_name));
+        m_state->order.add(entry->d_name);
         m_totalBytes += double(info.st_size);
     }
-    m_state->order.closeRun(mergeUntil);
+    m_state->order.closeRun();
     return false;
 }
 
