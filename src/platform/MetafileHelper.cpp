@@ -117,7 +117,8 @@ std::optional<MetafileAnswer::Drawn> draw(Kind kind, const QByteArray &file, con
     const QByteArray width = QByteArray::number(bound.width());
     const QByteArray height = QByteArray::number(bound.height());
     const QByteArray limit = QByteArray::number(timeLimitMs);
-    const char *const arguments[] = {path.constData(), kind == Kind::Wmf ? "wmf" : "emf", width.constData(),
+    const char *const kindName = kind == Kind::Wmf ? "wmf" : kind == Kind::Emf ? "emf" : "svg";
+    const char *const arguments[] = {path.constData(), kindName, width.constData(),
                                      height.constData(), limit.constData(), nullptr};
     const pid_t child = start(arguments, ends[1]);
     ::close(ends[1]);
