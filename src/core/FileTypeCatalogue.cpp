@@ -203,4 +203,9 @@ MediaClass mediaClassOf(const QString &typeCode)
     return movies.contains(typeCode) ? MediaClass::Movie : MediaClass::Picture;
 }
 
+bool mayAnimate(const QString &typeCode)
+{
+    return typeCode == u"GIF" || typeCode == u"WEBP";
+}
+
 } // namespace FileTypeCatalogue

@@ -53,4 +53,7 @@ QStringList admittedExtensions(const QString &filterCode, const QString &itemTex
 QString normalisedTypeCode(const QString &extension);
 MediaClass mediaClassOf(const QString &typeCode);
 
+// GIF and WebP pictures can be animated; they go to the animation view too.
+bool mayAnimate(const QString &typeCode);
+
 } // namespace FileTypeCatalogue

@@ -164,7 +164,7 @@ void frmMain::showPicture(const QString &path)
     ImgEgg->setPicture(loaded.image, loaded.naturalSize, loaded.part);
     fitOrActualSize();
     ImgEgg->setVisible(!loaded.image.isNull());
-    if (m_state.FileTypeCode == u"GIF")
+    if (FileTypeCatalogue::mayAnimate(m_state.FileTypeCode))
         showAnimation(path);
 }
 
