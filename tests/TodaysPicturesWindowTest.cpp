@@ -80,3 +80,26 @@ TEST(TodaysPicturesWindow, AnimatedWebPAnimatesLikeAGifAndAStillOneStaysAPicture
     EXPECT_TRUE(window.ImgEgg->isVisible());
     EXPECT_FALSE(window.WebBrowser1->isVisible());
 }
+
+TEST(TodaysPicturesWindow, ZoomedInSvgIsDrawnAgainAtTheShownSize)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("svg");
+    ASSERT_TRUE(QFile::copy(QStringLiteral(VIMORA_CORPUS_DIR "/librsvg-tests/w3c-svg11/struct-use-01-t.svg"),
+                            folder + "/drawing.svg"));
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/drawing.svg");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == ViewRules::fileTitle("drawing.svg"); }, 10000));
+    window.mnuFull_Click();
+    EXPECT_EQ(window.ImgEgg->picture().size(), QSize(480, 360)); // at 100 %: its natural size
+
+    for (int press = 0; press < 3; ++press) // 115, 132, 152 %
+        QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : &window, Qt::Key_Plus,
+                        Qt::KeypadModifier);
+    ASSERT_EQ(window.LabZoom->text(), " 152% ");
+    // Not the 480x360 picture stretched: a new drawing of the shown size.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.ImgEgg->picture().width() >= 720; }, 5000))
+        << window.ImgEgg->picture().width();
+    EXPECT_EQ(window.ImgEgg->picture().size(), window.ImgEgg->size() * window.ImgEgg->devicePixelRatio());
+    EXPECT_TRUE(window.LabPix->text().contains(ViewRules::resolutionText(480, 360))); // still its true size
+}

@@ -2,7 +2,9 @@
 // standard input and writes the picture to standard output as MetafileAnswer
 // describes.
 //
-//   vimora-metafile wmf|emf|svg <largest width> <largest height> <time limit in ms>
+//   vimora-metafile wmf|emf|svg|svgfill <largest width> <largest height> <time limit in ms>
+//
+// svgfill draws the drawing as large as fits, past its natural size.
 //
 // Vimora starts it for every metafile (see MetafileHelper), so it limits
 // itself before it reads a byte of the file.
@@ -109,7 +111,7 @@ int main(int argc, char **argv)
     const QByteArray kind = argv[1];
     const QSize bound(positive(argv[2]), positive(argv[3]));
     const int timeLimitMs = positive(argv[4]);
-    if ((kind != "wmf" && kind != "emf" && kind != "svg") || bound.isEmpty() || timeLimitMs == 0)
+    if ((kind != "wmf" && kind != "emf" && kind != "svg" && kind != "svgfill") || bound.isEmpty() || timeLimitMs == 0)
         return 2;
     limitBeforeStarting(timeLimitMs);
 
@@ -126,8 +128,9 @@ int main(int argc, char **argv)
         const WmfRenderer::Recording recording = WmfRenderer::record(file, bound, timeLimitMs);
         picture = WmfRenderer::paint(recording);
         naturalSize = recording.naturalSize;
-    } else if (kind == "svg") {
-        const SvgRenderer::Drawn drawn = SvgRenderer::paint(file, {}, bound);
+    } else if (kind == "svg" || kind == "svgfill") {
+        const SvgRenderer::Drawn drawn
+            = SvgRenderer::paint(file, bound, kind == "svg" ? SvgRenderer::Fit::ShrinkOnly : SvgRenderer::Fit::Fill);
         picture = drawn.picture;
         naturalSize = drawn.naturalSize;
     } else {

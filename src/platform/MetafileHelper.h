@@ -17,7 +17,8 @@
 // passes; its answer is checked like the file itself.
 namespace MetafileHelper {
 
-enum class Kind { Wmf, Emf, Svg };
+// SvgFill: drawn as large as fits the bound, past its natural size.
+enum class Kind { Wmf, Emf, Svg, SvgFill };
 
 // The picture drawn at its natural size, or scaled down to fit `bound`;
 // nothing when the helper failed, crashed, overran or answered nonsense.

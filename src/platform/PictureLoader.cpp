@@ -245,7 +245,10 @@ Picture load(const QString &path, const Options &options)
     case Decoder::Icon: return fittedPicture(IconDecoder::decode(bytes), options);
     case Decoder::Wmf: return loadMetafile(MetafileHelper::Kind::Wmf, bytes, options);
     case Decoder::Emf: return loadMetafile(MetafileHelper::Kind::Emf, bytes, options);
-    case Decoder::Svg: return loadMetafile(MetafileHelper::Kind::Svg, bytes, options);
+    case Decoder::Svg:
+        return loadMetafile(options.enlargeDrawings && options.fitInto.isValid() ? MetafileHelper::Kind::SvgFill
+                                                                                 : MetafileHelper::Kind::Svg,
+                            bytes, options);
     case Decoder::Heif: return fromDecoded(HeifDecoder::decode(bytes, MaxPixels), options);
     case Decoder::Jxl: return fromDecoded(JpegXlDecoder::decode(bytes, MaxPixels), options);
     case Decoder::Raw: return fromDecoded(RawDecoder::decode(bytes, MaxPixels, options.fitInto), options);

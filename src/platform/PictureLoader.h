@@ -32,6 +32,9 @@ struct Options {
     // its pixels at 100 %, for an upright JPEG, which then reads no further
     // than the part's last row. Other pictures come whole.
     QRect part;
+    // SVG drawings are drawn to fill fitInto, even past their natural size,
+    // when zoomed in: they stay sharp at any zoom.
+    bool enlargeDrawings = false;
     // Metafiles and SVG drawings that take longer to draw count as broken.
     int metafileTimeLimitMs = 5000;
     // The colours pictures with a profile are converted to: the display's.

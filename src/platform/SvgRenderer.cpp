@@ -20,7 +20,7 @@ bool isSvg(const QByteArray &fileStart, const QString &path)
     return text.trimmed().startsWith('<');
 }
 
-Drawn paint(const QByteArray &file, const QSize &size, const QSize &bound)
+Drawn paint(const QByteArray &file, const QSize &bound, Fit fit)
 {
     QSvgRenderer renderer(file);
     if (!renderer.isValid() || bound.isEmpty())
@@ -28,8 +28,8 @@ Drawn paint(const QByteArray &file, const QSize &size, const QSize &bound)
     const QSize natural = renderer.defaultSize();
     if (natural.isEmpty())
         return {};
-    QSize drawn = size.isValid() ? size : natural;
-    if (drawn.width() > bound.width() || drawn.height() > bound.height())
+    QSize drawn = natural;
+    if (fit == Fit::Fill || drawn.width() > bound.width() || drawn.height() > bound.height())
         drawn = drawn.scaled(bound, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
     QImage picture(drawn, QImage::Format_ARGB32_Premultiplied);
     if (picture.isNull())

@@ -18,9 +18,11 @@ struct Drawn {
     QSize naturalSize; // the drawing's own width and height (or its viewBox), in pixels
 };
 
-// The drawing at `size` when valid, else at its natural size; in both cases
-// no larger than `bound`, keeping its proportions. Null when it is not SVG
-// or has no size.
-Drawn paint(const QByteArray &file, const QSize &size, const QSize &bound);
+enum class Fit { ShrinkOnly, Fill };
+
+// The drawing at its natural size, no larger than `bound`; with Fit::Fill,
+// as large as fits `bound` (a zoomed-in drawing, drawn sharp). Keeps its
+// proportions. Null when it is not SVG or has no size.
+Drawn paint(const QByteArray &file, const QSize &bound, Fit fit = Fit::ShrinkOnly);
 
 } // namespace SvgRenderer

@@ -235,7 +235,7 @@ void raw(const QByteArray &input)
 
 void svg(const QByteArray &input)
 {
-    const SvgRenderer::Drawn drawn = SvgRenderer::paint(input, {}, PaintBound);
+    const SvgRenderer::Drawn drawn = SvgRenderer::paint(input, PaintBound);
     require(drawn.picture.isNull()
                 || (drawn.picture.width() <= PaintBound.width() && drawn.picture.height() <= PaintBound.height()),
             "the SVG picture fits the bound");
