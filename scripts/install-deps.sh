@@ -17,6 +17,8 @@ fi
 # The viewers the bench measures Vimora against, and a desktop to run them in.
 if [[ "${1:-}" == "--bench" ]]; then
     packages+=(dbus-daemon feh nsxiv qimgv eog)
+    # The libraries' own decoders, the references for today's picture types.
+    packages+=(netpbm webp libheif-examples libavif-bin)
 fi
 
 missing=()
