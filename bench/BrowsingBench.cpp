@@ -99,11 +99,13 @@ void commandLineFileBench(BenchTable &table);
 void memoryWalkBench(BenchTable &table);
 void startupBench(BenchTable &table);
 void peerBench(BenchTable &table); // peer_bench.cpp
+void todaysFitBench(BenchTable &table);        // todays_pictures_bench.cpp
+void colourConversionBench(BenchTable &table);
 
 QList<Bench> allBenches()
 {
     return {{"listing", folderListingBench}, {"fit-display", fitDisplayBench}, {"zoom-pan", zoomAndPanBench},
             {"thumbnail-page", thumbnailPageBench}, {"next", nextPictureBench},
             {"command-line", commandLineFileBench}, {"memory", memoryWalkBench}, {"startup", startupBench},
-            {"peers", peerBench}};
+            {"peers", peerBench}, {"todays-types", todaysFitBench}, {"colour", colourConversionBench}};
 }

@@ -8,7 +8,7 @@ set -euo pipefail
 packages=(build-essential cmake ninja-build pkg-config
           qt6-base-dev qt6-svg-dev libmpv-dev libemf2svg-dev libwmf-dev
           qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins xdg-utils libxcb1-dev libxcb-xtest0-dev
-          fontconfig fonts-dejavu-core)
+          libheif-dev libjxl-dev libraw-dev liblcms2-dev fontconfig fonts-dejavu-core)
 if [[ "${1:-}" == "--test" || "${1:-}" == "--bench" ]]; then
     packages+=(libgtest-dev libgmock-dev xvfb xauth xdotool openbox xclip imagemagick poppler-utils
                ffmpeg dvdauthor exiv2 libjpeg-turbo-progs libvips-tools desktop-file-utils
@@ -17,6 +17,8 @@ fi
 # The viewers the bench measures Vimora against, and a desktop to run them in.
 if [[ "${1:-}" == "--bench" ]]; then
     packages+=(dbus-daemon feh nsxiv qimgv eog)
+    # The libraries' own decoders, the references for today's picture types.
+    packages+=(netpbm webp libheif-examples libavif-bin)
 fi
 
 missing=()

@@ -17,16 +17,21 @@ TEST(FileTypeCatalogue, ExtensionComesFromTheLastFourCharacters)
         EXPECT_EQ(extensionOf(QString::fromUtf8(c.name)), QString::fromUtf8(c.extension)) << c.name;
 }
 
-TEST(FileTypeCatalogue, ListHas19ItemsWithFixedBlankRuns)
+TEST(FileTypeCatalogue, ListHasTheOriginal19ItemsThenTodaysTypes)
 {
     const QStringList items = typeFilterItems(GroupLabels{});
-    ASSERT_EQ(items.size(), 19);
+    ASSERT_EQ(items.size(), 27);
     EXPECT_TRUE(items[0].startsWith(QStringLiteral("All Supported") + QString(58, ' ') + "ALLSUP|*.BMP;"));
     EXPECT_TRUE(items[1].startsWith(QStringLiteral("Image Files") + QString(60, ' ') + "ALLIMG|*.BMP;"));
     EXPECT_TRUE(items[2].startsWith(QStringLiteral("Movies, Stream Media") + QString(57, ' ') + "ALLMOV|*.AVI;"));
     EXPECT_EQ(items[3], "JPG,JPEG");
     EXPECT_EQ(items[16], "RA,RAM,RMM,RM");
     EXPECT_EQ(items[18], "IFO");
+    EXPECT_EQ(items.mid(19), QStringList({"PNG", "WEBP", "TIF,TIFF", "SVG,SVGZ", "AVIF", "HEIC,HEIF", "JXL", "RAW"}));
+    // The original lists are untouched; the new codes follow them.
+    EXPECT_TRUE(items[0].contains("*.RMM;*.PPT;*.PPS;*.IFO;*.PNG;*.WEBP;"));
+    EXPECT_TRUE(items[1].contains("|*.BMP;*.JPG;*.JPEG;*.GIF;*.WMF;*.ICO;*.EMF;*.CUR;*.RLE;*.PPT;*.PPS;*.PNG;"));
+    EXPECT_TRUE(items[1].endsWith(";*.SRW|"));
 
     // A translated label keeps the same blank counts, not padded widths.
     const QStringList italian = typeFilterItems({"Tutti i supportati", "Immagini", "Filmati", "Tutti"});
@@ -40,6 +45,10 @@ TEST(FileTypeCatalogue, OpenFileFilterHasFourEntries)
     ASSERT_EQ(parts.size(), 8); // four description|pattern pairs
     EXPECT_TRUE(parts[0].startsWith("All Supported"));
     EXPECT_EQ(parts[1].left(12), "*.BMP;*.JPG;");
+    for (const QString &patterns : {parts[1], parts[3]})
+        for (const char *code : {"*.PNG;", "*.WEBP;", "*.TIFF;", "*.SVGZ;", "*.AVIF;", "*.HEIF;", "*.JXL;", "*.NEF;"})
+            EXPECT_TRUE(patterns.contains(code)) << code;
+    EXPECT_FALSE(parts[5].contains("*.AVIF")); // the movies' list
     EXPECT_EQ(parts[6], "All Files (*.*)");
     EXPECT_EQ(parts[7], "*.*");
 }
@@ -47,8 +56,9 @@ TEST(FileTypeCatalogue, OpenFileFilterHasFourEntries)
 TEST(FileTypeCatalogue, CodeIsReadBackFromItemText)
 {
     const QStringList items = typeFilterItems(GroupLabels{});
-    const char *expected[] = {"ALLSUP", "ALLIMG", "ALLMOV", "JPG", "ICO", "BMP", "GIF", "WMF", "EMF", "CUR",
-                              "RLE",    "MPEG",   "AVI",    "IVF", "QT",  "ASF", "RAM", "PPT", "IFO"};
+    const char *expected[] = {"ALLSUP", "ALLIMG", "ALLMOV", "JPG",  "ICO", "BMP",  "GIF", "WMF", "EMF",
+                              "CUR",    "RLE",    "MPEG",   "AVI",  "IVF", "QT",   "ASF", "RAM", "PPT",
+                              "IFO",    "PNG",    "WEBP",   "TIF",  "SVG", "AVIF", "HEIC", "JXL", "RAW"};
     for (int i = 0; i < items.size(); ++i)
         EXPECT_EQ(filterCodeOfItem(items[i]), expected[i]) << items[i].toStdString();
 
@@ -90,15 +100,56 @@ TEST(FileTypeCatalogue, AdmissionUnderEachFilter)
     EXPECT_TRUE(admitted("photoJPEG", Images));
     EXPECT_TRUE(admitted("A.JpG", Jpg));
     EXPECT_FALSE(admitted("notes.txt", All));
-    EXPECT_FALSE(admitted("picture.png", Images));
+    EXPECT_FALSE(admitted("picture.png", Movies));
+    EXPECT_FALSE(admitted("picture.png", Jpg));
     EXPECT_FALSE(admits("a.jpg", "BOGUS", "BOGUS"));
+}
+
+TEST(FileTypeCatalogue, TodaysPictureTypesAreAdmittedByTheirItemAndBothGroups)
+{
+    const QStringList items = typeFilterItems(GroupLabels{});
+    constexpr int All = 0, Images = 1, Movies = 2, Jpg = 3, Avi = 12;
+    const struct {
+        int item;
+        std::initializer_list<const char *> extensions;
+    } table[] = {
+        {19, {"png"}}, {20, {"webp"}}, {21, {"tif", "tiff"}}, {22, {"svg", "svgz"}}, {23, {"avif"}},
+        {24, {"heic", "heif"}}, {25, {"jxl"}},
+        {26, {"cr2", "cr3", "nef", "arw", "dng", "orf", "rw2", "raf", "pef", "srw"}},
+    };
+    for (const auto &row : table) {
+        const QString code = filterCodeOfItem(items[row.item]);
+        for (const char *extension : row.extensions) {
+            for (const QString &name : {QStringLiteral("a.") + extension, QStringLiteral("B.") + QString(extension).toUpper(),
+                                        QStringLiteral("c.") + QString(extension).left(1).toUpper() + QString(extension).mid(1)}) {
+                EXPECT_TRUE(admits(name, code, items[row.item])) << name.toStdString();
+                EXPECT_TRUE(admits(name, "ALLSUP", items[All])) << name.toStdString();
+                EXPECT_TRUE(admits(name, "ALLIMG", items[Images])) << name.toStdString();
+                EXPECT_FALSE(admits(name, "ALLMOV", items[Movies])) << name.toStdString();
+                EXPECT_FALSE(admits(name, "JPG", items[Jpg])) << name.toStdString();
+                EXPECT_EQ(FileTypeCatalogue::mediaClassOf(normalisedTypeCode(extensionOf(name))), MediaClass::Picture);
+            }
+            // Each new item admits its own codes only.
+            for (const auto &other : table) {
+                if (&other != &row) {
+                    EXPECT_FALSE(admits(QStringLiteral("a.") + extension, filterCodeOfItem(items[other.item]),
+                                        items[other.item])) << extension;
+                }
+            }
+        }
+    }
+    // "AVIF" holds "AVI": neither item takes the other's files.
+    EXPECT_FALSE(admits("clip.avi", filterCodeOfItem(items[23]), items[23]));
+    EXPECT_FALSE(admits("photo.avif", filterCodeOfItem(items[Avi]), items[Avi]));
+    EXPECT_FALSE(admits("a.raw", "RAW", items[26]));
 }
 
 TEST(FileTypeCatalogue, AdmittedExtensionsAgreeWithAdmission)
 {
     const QStringList items = typeFilterItems(GroupLabels{});
     const QStringList names{"a.bmp", "a.jpeg", "a.mpv2", "a.rm", "a.rmvb", "a.pps", "a.ifo", "photoJPEG", "a.txt",
-                            "a.mp2", "a.lsx", "x.qt", "noext"};
+                            "a.mp2", "a.lsx", "x.qt", "noext", "a.avif", "a.avi", "a.tiff", "a.svgz", "a.NEF",
+                            "a.heif", "a.webp", "a.raw"};
     for (const QString &item : items) {
         const QString code = filterCodeOfItem(item);
         const QStringList extensions = admittedExtensions(code, item);
@@ -121,7 +172,10 @@ TEST(FileTypeCatalogue, TypeCodesAndMediaClasses)
         {"PPS", "PPT", MediaClass::Slides},   {"IFO", "IFO", MediaClass::Movie},
         {"AVI", "AVI", MediaClass::Movie},    {"IVF", "IVF", MediaClass::Movie},
         {"M1V", "M1V", MediaClass::Movie},    {"MPA", "MPA", MediaClass::Movie},
-        {"TXT", "TXT", MediaClass::Picture},
+        {"TXT", "TXT", MediaClass::Picture},  {"TIFF", "TIF", MediaClass::Picture},
+        {"SVGZ", "SVG", MediaClass::Picture}, {"HEIF", "HEIC", MediaClass::Picture},
+        {"CR3", "RAW", MediaClass::Picture},  {"SRW", "RAW", MediaClass::Picture},
+        {"AVIF", "AVIF", MediaClass::Picture}, {"WEBP", "WEBP", MediaClass::Picture},
     };
     for (const auto &c : cases) {
         const QString code = normalisedTypeCode(c.extension);

@@ -8,8 +8,11 @@ namespace FileTypeCatalogue {
 
 const QString AllSupportedPatterns = QStringLiteral(
     "|*.bmp;*.jpg;*.jpeg;*.gif;*.wmf;*.ico;*.emf;*.cur;*.rle;*.avi;*.ivf;*.mpeg;*.mpg;*.mpe;*.mpv;"
-    "*.m1v;*.mp2;*.mpv2;*.mpa;*.mov;*.qt;*.asf;*.asx;*.lsf;*.lsx;*.ra;*.ram;*.rm;*.rmm;*.ppt;*.pps;*.ifo|");
-const QString ImagePatterns = QStringLiteral("|*.bmp;*.jpg;*.jpeg;*.gif;*.wmf;*.ico;*.emf;*.cur;*.rle;*.ppt;*.pps|");
+    "*.m1v;*.mp2;*.mpv2;*.mpa;*.mov;*.qt;*.asf;*.asx;*.lsf;*.lsx;*.ra;*.ram;*.rm;*.rmm;*.ppt;*.pps;*.ifo"
+    // Today's picture types come after the original lists, which stay as they were.
+    ";*.png;*.webp;*.tif;*.tiff;*.svg;*.svgz;*.avif;*.heic;*.heif;*.jxl;*.cr2;*.cr3;*.nef;*.arw;*.dng;*.orf;*.rw2;*.raf;*.pef;*.srw|");
+const QString ImagePatterns = QStringLiteral("|*.bmp;*.jpg;*.jpeg;*.gif;*.wmf;*.ico;*.emf;*.cur;*.rle;*.ppt;*.pps"
+    ";*.png;*.webp;*.tif;*.tiff;*.svg;*.svgz;*.avif;*.heic;*.heif;*.jxl;*.cr2;*.cr3;*.nef;*.arw;*.dng;*.orf;*.rw2;*.raf;*.pef;*.srw|");
 const QString MoviePatterns = QStringLiteral(
     "|*.avi;*.ivf;*.mpeg;*.mpg;*.mpe;*.mpv;*.m1v;*.mp2;*.mpv2;*.mpa;*.mov;*.qt;*.asf;*.asx;*.lsf;*.lsx;"
     "*.ra;*.ram;*.rm;*.rmm;*.ifo|");
@@ -23,7 +26,7 @@ struct SingleType {
 
 // Order matters: it is the search order when an item text is read back,
 // after the three group codes.
-const std::array<SingleType, 16> SingleTypes{{
+const std::array<SingleType, 24> SingleTypes{{
     {"JPG", {"JPG", "JPEG"}},
     {"ICO", {"ICO"}},
     {"BMP", {"BMP"}},
@@ -40,6 +43,14 @@ const std::array<SingleType, 16> SingleTypes{{
     {"RAM", {"RA", "RAM", "RMM", "RM"}},
     {"PPT", {"PPT", "PPS"}},
     {"IFO", {"IFO"}},
+    {"PNG", {"PNG"}},
+    {"WEBP", {"WEBP"}},
+    {"TIF", {"TIF", "TIFF"}},
+    {"SVG", {"SVG", "SVGZ"}},
+    {"AVIF", {"AVIF"}},
+    {"HEIC", {"HEIC", "HEIF"}},
+    {"JXL", {"JXL"}},
+    {"RAW", {"CR2", "CR3", "NEF", "ARW", "DNG", "ORF", "RW2", "RAF", "PEF", "SRW"}},
 }};
 
 // The blank counts are fixed literals: they push the code out of sight of
@@ -47,6 +58,19 @@ const std::array<SingleType, 16> SingleTypes{{
 QString groupItem(const QString &label, int blanks, const char *code, const QString &patterns)
 {
     return label + QString(blanks, QLatin1Char(' ')) + QLatin1String(code) + patterns.toUpper();
+}
+
+// A code counts only as a whole word of the item text: "AVIF" must not
+// read back as "AVI".
+bool holdsCode(const QString &itemText, QLatin1String code)
+{
+    for (qsizetype at = itemText.indexOf(code); at >= 0; at = itemText.indexOf(code, at + 1)) {
+        const qsizetype end = at + code.size();
+        if ((at == 0 || !itemText[at - 1].isLetterOrNumber())
+            && (end == itemText.size() || !itemText[end].isLetterOrNumber()))
+            return true;
+    }
+    return false;
 }
 
 bool isGroupCode(const QString &code)
@@ -76,7 +100,9 @@ QStringList typeFilterItems(const GroupLabels &labels)
             QStringLiteral("WMF"), QStringLiteral("EMF"), QStringLiteral("CUR"), QStringLiteral("RLE"),
             QStringLiteral("MPEG,MPG"), QStringLiteral("AVI"), QStringLiteral("IVF"), QStringLiteral("QT,MOV"),
             QStringLiteral("ASF,ASX"), QStringLiteral("RA,RAM,RMM,RM"), QStringLiteral("PPT,PPS"),
-            QStringLiteral("IFO")};
+            QStringLiteral("IFO"),
+            QStringLiteral("PNG"), QStringLiteral("WEBP"), QStringLiteral("TIF,TIFF"), QStringLiteral("SVG,SVGZ"),
+            QStringLiteral("AVIF"), QStringLiteral("HEIC,HEIF"), QStringLiteral("JXL"), QStringLiteral("RAW")};
 }
 
 QString openFileFilter(const GroupLabels &labels)
@@ -91,7 +117,7 @@ QString filterCodeOfItem(const QString &itemText)
         if (itemText.contains(QLatin1String(group)))
             return QLatin1String(group);
     for (const SingleType &type : SingleTypes)
-        if (itemText.contains(QLatin1String(type.code)))
+        if (holdsCode(itemText, QLatin1String(type.code)))
             return QLatin1String(type.code);
     return {};
 }
@@ -154,6 +180,15 @@ QString normalisedTypeCode(const QString &extension)
         return QStringLiteral("RAM");
     if (ext == u"PPS")
         return QStringLiteral("PPT");
+    if (ext == u"TIFF")
+        return QStringLiteral("TIF");
+    if (ext == u"SVGZ")
+        return QStringLiteral("SVG");
+    if (ext == u"HEIF")
+        return QStringLiteral("HEIC");
+    static const QStringList raws{"CR2", "CR3", "NEF", "ARW", "DNG", "ORF", "RW2", "RAF", "PEF", "SRW"};
+    if (raws.contains(ext))
+        return QStringLiteral("RAW");
     return ext;
 }
 
@@ -166,6 +201,11 @@ MediaClass mediaClassOf(const QString &typeCode)
     static const QStringList movies{"MPEG", "AVI", "QT", "IVF", "ASF", "RAM", "IFO",
                                     "MPE", "MPV", "M1V", "MP2", "MPV2", "MPA"};
     return movies.contains(typeCode) ? MediaClass::Movie : MediaClass::Picture;
+}
+
+bool mayAnimate(const QString &typeCode)
+{
+    return typeCode == u"GIF" || typeCode == u"WEBP";
 }
 
 } // namespace FileTypeCatalogue

@@ -30,7 +30,8 @@ QString allSupportedItem(const QString &label);
 QString imagesItem(const QString &label);
 QString moviesItem(const QString &label);
 
-// The 19 CboType items in list order.
+// The CboType items in list order: the 19 original ones, then today's
+// picture types.
 QStringList typeFilterItems(const GroupLabels &labels);
 
 // The description|pattern list for the open/save dialog.
@@ -47,8 +48,12 @@ bool admits(const QString &fileName, const QString &filterCode, const QString &i
 // same answers as admits().
 QStringList admittedExtensions(const QString &filterCode, const QString &itemText);
 
-// "JPEG" -> "JPG", "MOV" -> "QT", "LSX" -> "ASF", ...; others unchanged.
+// "JPEG" -> "JPG", "MOV" -> "QT", "LSX" -> "ASF", "NEF" -> "RAW", ...; others
+// unchanged.
 QString normalisedTypeCode(const QString &extension);
 MediaClass mediaClassOf(const QString &typeCode);
+
+// GIF and WebP pictures can be animated; they go to the animation view too.
+bool mayAnimate(const QString &typeCode);
 
 } // namespace FileTypeCatalogue

@@ -1,6 +1,7 @@
 #include "fullscreen/frmFull.h"
 
 #include "core/AppState.h"
+#include "core/FileTypeCatalogue.h"
 #include "core/FormTexts.h"
 #include "fullscreen/FullViewRules.h"
 #include "platform/MoviePlayer.h"
@@ -136,7 +137,7 @@ void frmFull::MostraFullImage()
     ImgEgg->hide();
     WebBrowser1->hide();
     const QString path = m_state.currentPath();
-    if (m_state.AnimateGifs && m_state.FileTypeCode == u"GIF") {
+    if (m_state.AnimateGifs && FileTypeCatalogue::mayAnimate(m_state.FileTypeCode)) {
         WebBrowser1->setGeometry(rect());
         if (WebBrowser1->location() != path)
             WebBrowser1->Navigate(path);
@@ -209,7 +210,7 @@ void frmFull::Form_MouseDown(QMouseEvent *event)
 void frmFull::ImgEgg_MouseDown(QMouseEvent *event)
 {
     // Only a still picture: an animation leaves the presses to the window.
-    const bool animated = m_state.AnimateGifs && m_state.FileTypeCode == u"GIF";
+    const bool animated = m_state.AnimateGifs && FileTypeCatalogue::mayAnimate(m_state.FileTypeCode);
     if (event->button() != Qt::LeftButton && !animated)
         showPopup(event->globalPosition().toPoint(), true);
 }
@@ -228,7 +229,7 @@ void frmFull::showPopup(QPoint globalPosition, bool overPicture)
         const int state = m_main.MediaPlayer1->PlayState();
         mnuStop->setEnabled(movie && (state == MoviePlayer::Playing || state == MoviePlayer::Paused));
     }
-    const bool gif = m_state.FileTypeCode == u"GIF";
+    const bool gif = FileTypeCatalogue::mayAnimate(m_state.FileTypeCode);
     mnuAnim->setVisible(gif);
     mnuSepGif->setVisible(gif);
     mnuAnim->setChecked(gif && m_state.AnimateGifs);

@@ -1,13 +1,17 @@
-// vimora-metafile: draws one Windows metafile read from standard input and
-// writes the picture to standard output as MetafileAnswer describes.
+// vimora-metafile: draws one Windows metafile or SVG drawing read from
+// standard input and writes the picture to standard output as MetafileAnswer
+// describes.
 //
-//   vimora-metafile wmf|emf <largest width> <largest height> <time limit in ms>
+//   vimora-metafile wmf|emf|svg|svgfill <largest width> <largest height> <time limit in ms>
+//
+// svgfill draws the drawing as large as fits, past its natural size.
 //
 // Vimora starts it for every metafile (see MetafileHelper), so it limits
 // itself before it reads a byte of the file.
 
 #include "platform/EmfRenderer.h"
 #include "platform/MetafileAnswer.h"
+#include "platform/SvgRenderer.h"
 #include "platform/WmfRenderer.h"
 
 #include <QGuiApplication>
@@ -107,7 +111,7 @@ int main(int argc, char **argv)
     const QByteArray kind = argv[1];
     const QSize bound(positive(argv[2]), positive(argv[3]));
     const int timeLimitMs = positive(argv[4]);
-    if ((kind != "wmf" && kind != "emf") || bound.isEmpty() || timeLimitMs == 0)
+    if ((kind != "wmf" && kind != "emf" && kind != "svg" && kind != "svgfill") || bound.isEmpty() || timeLimitMs == 0)
         return 2;
     limitBeforeStarting(timeLimitMs);
 
@@ -124,6 +128,11 @@ int main(int argc, char **argv)
         const WmfRenderer::Recording recording = WmfRenderer::record(file, bound, timeLimitMs);
         picture = WmfRenderer::paint(recording);
         naturalSize = recording.naturalSize;
+    } else if (kind == "svg" || kind == "svgfill") {
+        const SvgRenderer::Drawn drawn
+            = SvgRenderer::paint(file, bound, kind == "svg" ? SvgRenderer::Fit::ShrinkOnly : SvgRenderer::Fit::Fill);
+        picture = drawn.picture;
+        naturalSize = drawn.naturalSize;
     } else {
         const EmfRenderer::Conversion conversion = EmfRenderer::convert(file);
         picture = EmfRenderer::paint(conversion, bound);

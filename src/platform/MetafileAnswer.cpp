@@ -38,7 +38,7 @@ QByteArray encode(const QImage &picture, const QSize &naturalSize)
     return bytes;
 }
 
-std::optional<Header> readHeader(const QByteArray &bytes, const QSize &bound)
+std::optional<Header> readHeader(const QByteArray &bytes, const QSize &bound, bool mayEnlarge)
 {
     if (bytes.size() < HeaderBytes || std::memcmp(bytes.constData(), Magic, sizeof Magic) != 0)
         return std::nullopt;
@@ -50,8 +50,9 @@ std::optional<Header> readHeader(const QByteArray &bytes, const QSize &bound)
     if (!within(width, bound.width()) || !within(height, bound.height())
         || !within(naturalWidth, LargestNaturalSide) || !within(naturalHeight, LargestNaturalSide))
         return std::nullopt;
-    // Drawn at the natural size or scaled down, never up (one pixel of rounding).
-    if (width > naturalWidth + 1 || height > naturalHeight + 1)
+    // Drawn at the natural size or scaled down, never up (one pixel of
+    // rounding), unless a zoomed-in drawing was asked for.
+    if (!mayEnlarge && (width > naturalWidth + 1 || height > naturalHeight + 1))
         return std::nullopt;
     return Header{QSize(int(width), int(height)), QSize(int(naturalWidth), int(naturalHeight))};
 }

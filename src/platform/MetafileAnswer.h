@@ -26,8 +26,9 @@ struct Header {
 
 QByteArray encode(const QImage &picture, const QSize &naturalSize);
 
-// The header, when it is sound and the picture fits within `bound`.
-std::optional<Header> readHeader(const QByteArray &bytes, const QSize &bound);
+// The header, when it is sound and the picture fits within `bound`; larger
+// than its natural size only when `mayEnlarge` (a zoomed-in drawing).
+std::optional<Header> readHeader(const QByteArray &bytes, const QSize &bound, bool mayEnlarge = false);
 
 // The picture from exactly header.pixelBytes() bytes; colour values above
 // their pixel's alpha are lowered to it, so that only valid pixels are drawn.

@@ -117,7 +117,11 @@ std::optional<MetafileAnswer::Drawn> draw(Kind kind, const QByteArray &file, con
     const QByteArray width = QByteArray::number(bound.width());
     const QByteArray height = QByteArray::number(bound.height());
     const QByteArray limit = QByteArray::number(timeLimitMs);
-    const char *const arguments[] = {path.constData(), kind == Kind::Wmf ? "wmf" : "emf", width.constData(),
+    const char *const kindName = kind == Kind::Wmf   ? "wmf"
+                                 : kind == Kind::Emf ? "emf"
+                                 : kind == Kind::Svg ? "svg"
+                                                     : "svgfill";
+    const char *const arguments[] = {path.constData(), kindName, width.constData(),
                                      height.constData(), limit.constData(), nullptr};
     const pid_t child = start(arguments, ends[1]);
     ::close(ends[1]);
@@ -125,7 +129,8 @@ std::optional<MetafileAnswer::Drawn> draw(Kind kind, const QByteArray &file, con
 
     std::optional<MetafileAnswer::Drawn> drawn;
     if (child > 0 && sendAll(socket, file, deadline) && ::shutdown(socket, SHUT_WR) == 0) {
-        const auto header = MetafileAnswer::readHeader(receive(socket, MetafileAnswer::HeaderBytes, deadline), bound);
+        const auto header = MetafileAnswer::readHeader(receive(socket, MetafileAnswer::HeaderBytes, deadline), bound,
+                                                       kind == Kind::SvgFill);
         if (header) {
             const QImage picture = MetafileAnswer::readPixels(*header, receive(socket, header->pixelBytes(), deadline));
             if (!picture.isNull())

@@ -1,9 +1,14 @@
 #include "platform/PictureLoader.h"
 
+#include "platform/ColourManagement.h"
 #include "platform/EmfRenderer.h"
+#include "platform/HeifDecoder.h"
 #include "platform/IconDecoder.h"
+#include "platform/JpegXlDecoder.h"
 #include "platform/MetafileHelper.h"
+#include "platform/RawDecoder.h"
 #include "platform/RleBitmapDecoder.h"
+#include "platform/SvgRenderer.h"
 #include "platform/WmfRenderer.h"
 
 #include <QBuffer>
@@ -18,10 +23,11 @@
 namespace PictureLoader {
 namespace {
 
-constexpr qint64 LargestWholeFile = 256LL * 1024 * 1024; // RLE bitmaps, icons and metafiles are read whole
+// RLE bitmaps, icons, metafiles, SVG, HEIF, AVIF, JPEG XL and RAW files are read whole.
+constexpr qint64 LargestWholeFile = 256LL * 1024 * 1024;
 constexpr qsizetype SniffedBytes = 256;
 
-enum class Decoder { Qt, RleBitmap, Icon, Wmf, Emf };
+enum class Decoder { Qt, RleBitmap, Icon, Wmf, Emf, Raw, Heif, Jxl, Svg };
 
 quint16 u16At(const QByteArray &bytes, qsizetype at)
 {
@@ -61,6 +67,15 @@ Decoder decoderFor(const QByteArray &head, const QString &path)
         return Decoder::Wmf;
     if (looksLikeIconDirectory(head, path))
         return Decoder::Icon;
+    // Before HEIF: a CR3 is an ISO media file too, and most RAW files are TIFFs.
+    if (RawDecoder::isRaw(head, path))
+        return Decoder::Raw;
+    if (HeifDecoder::isHeif(head))
+        return Decoder::Heif;
+    if (JpegXlDecoder::isJxl(head))
+        return Decoder::Jxl;
+    if (SvgRenderer::isSvg(head, path))
+        return Decoder::Svg;
     return Decoder::Qt;
 }
 
@@ -90,6 +105,19 @@ Picture fittedPicture(const QImage &image, const Options &options)
     const QSize size = fittedSize(image.size(), options.fitInto);
     return {size == image.size() ? image : image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
             image.size(), {}};
+}
+
+// Fitted after decoding (these libraries decode at full size, RAW at half
+// size at most), then in the display's colours: fewer pixels to convert.
+Picture fromDecoded(const DecodedPicture &decoded, const Options &options)
+{
+    if (decoded.isNull() || !decoded.naturalSize.isValid())
+        return {};
+    const QSize target = fittedSize(decoded.naturalSize, options.fitInto);
+    const QImage fitted = decoded.image.width() > target.width() || decoded.image.height() > target.height()
+                              ? decoded.image.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                              : decoded.image;
+    return {ColourManagement::converted(fitted, decoded.iccProfile, options.colourSpace), decoded.naturalSize, {}};
 }
 
 // --- Qt's readers: BMP, JPEG, GIF, and PNG in disguise -------------------
@@ -140,7 +168,8 @@ bool prepareReader(QImageReader &reader)
     // The other formats Qt knows are not pictures of this viewer, and some
     // (TGA) claim almost any file.
     const QByteArray format = reader.format();
-    return format == "bmp" || format == "jpeg" || format == "gif" || format == "png";
+    return format == "bmp" || format == "jpeg" || format == "gif" || format == "png" || format == "webp"
+        || format == "tiff";
 }
 
 QSize naturalSizeOf(QImageReader &reader)
@@ -163,14 +192,14 @@ Picture loadWithQt(QIODevice *device, const Options &options)
         if (!part.isEmpty() && part.size() != natural) {
             reader.setClipRect(part);
             const QImage image = reader.read();
-            return image.isNull() ? Picture{} : Picture{image, natural, part};
+            return image.isNull() ? Picture{} : Picture{ColourManagement::converted(image, {}, options.colourSpace), natural, part};
         }
     }
     const QSize target = fittedSize(natural, options.fitInto);
     const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;
     if (natural.isValid() && target != natural)
         reader.setScaledSize(turned ? target.transposed() : target);
-    const QImage image = reader.read();
+    const QImage image = ColourManagement::converted(reader.read(), {}, options.colourSpace);
     if (image.isNull())
         return {};
     return natural.isValid() ? Picture{image, natural, {}} : fittedPicture(image, options);
@@ -216,6 +245,13 @@ Picture load(const QString &path, const Options &options)
     case Decoder::Icon: return fittedPicture(IconDecoder::decode(bytes), options);
     case Decoder::Wmf: return loadMetafile(MetafileHelper::Kind::Wmf, bytes, options);
     case Decoder::Emf: return loadMetafile(MetafileHelper::Kind::Emf, bytes, options);
+    case Decoder::Svg:
+        return loadMetafile(options.enlargeDrawings && options.fitInto.isValid() ? MetafileHelper::Kind::SvgFill
+                                                                                 : MetafileHelper::Kind::Svg,
+                            bytes, options);
+    case Decoder::Heif: return fromDecoded(HeifDecoder::decode(bytes, MaxPixels), options);
+    case Decoder::Jxl: return fromDecoded(JpegXlDecoder::decode(bytes, MaxPixels), options);
+    case Decoder::Raw: return fromDecoded(RawDecoder::decode(bytes, MaxPixels, options.fitInto), options);
     case Decoder::Qt: break;
     }
     return {};
@@ -251,7 +287,12 @@ QSize readNaturalSize(const QString &path)
         if (const QSize placeable = WmfRenderer::naturalSizeOf(head); placeable.isValid())
             return placeable;
         break; // a standard WMF's size is known only after scanning its records
-    case Decoder::Icon: break;
+    case Decoder::Heif:
+        return file.size() <= LargestWholeFile ? HeifDecoder::sizeOf(file.readAll()) : QSize();
+    case Decoder::Jxl: return file.size() <= LargestWholeFile ? JpegXlDecoder::sizeOf(file.readAll()) : QSize();
+    case Decoder::Raw: return file.size() <= LargestWholeFile ? RawDecoder::sizeOf(file.readAll()) : QSize();
+    case Decoder::Icon:
+    case Decoder::Svg: break;
     }
     file.close();
     Options tiny;

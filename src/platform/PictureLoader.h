@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColorSpace>
 #include <QFuture>
 #include <QImage>
 #include <QRect>
@@ -8,8 +9,12 @@
 
 // Loads the viewer's pictures: BMP (RLE ones by RleBitmapDecoder), JPEG with
 // its EXIF orientation, GIF (first frame), ICO and CUR (largest image), WMF
-// and EMF. The decoder is chosen by the content; the extension only breaks
-// ties. A file that does not decode gives a null picture and no message.
+// and EMF; PNG, WebP and TIFF (first frame or page) through Qt's readers, SVG
+// and SVGZ, HEIC, HEIF and AVIF (HeifDecoder), JPEG XL (JpegXlDecoder) and
+// camera RAW (RawDecoder). The decoder is chosen by the content; the
+// extension only breaks ties. A file that does not decode gives a null
+// picture and no message. Pictures with a colour profile come converted to
+// Options::colourSpace.
 namespace PictureLoader {
 
 // Larger pictures are refused before any pixel is allocated: 256 megapixels
@@ -27,8 +32,13 @@ struct Options {
     // its pixels at 100 %, for an upright JPEG, which then reads no further
     // than the part's last row. Other pictures come whole.
     QRect part;
-    // Metafiles that take longer to draw count as broken.
+    // SVG drawings are drawn to fill fitInto, even past their natural size,
+    // when zoomed in: they stay sharp at any zoom.
+    bool enlargeDrawings = false;
+    // Metafiles and SVG drawings that take longer to draw count as broken.
     int metafileTimeLimitMs = 5000;
+    // The colours pictures with a profile are converted to: the display's.
+    QColorSpace colourSpace = QColorSpace(QColorSpace::SRgb);
 };
 
 struct Picture {

@@ -1,5 +1,7 @@
 #include "viewer/PictureView.h"
 
+#include "platform/PictureLoader.h"
+
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTimer>
@@ -42,7 +44,8 @@ bool PictureView::lacksPixels() const
         return !m_part.contains(visiblePart());
     // A pixel or two less comes from rounding the fitted size, not from a zoom.
     const int needed = qRound(width() * devicePixelRatioF());
-    return m_picture.width() + 2 < needed && m_picture.width() < m_naturalSize.width();
+    const int largest = m_drawing ? PictureLoader::MaxMetafileSide : m_naturalSize.width();
+    return m_picture.width() + 2 < needed && m_picture.width() < largest;
 }
 
 void PictureView::moveEvent(QMoveEvent *) { requestPartIfNeeded(); }

@@ -22,6 +22,10 @@ public:
     // at a reduced scale still reports its full size here).
     QSize naturalSize() const { return m_naturalSize; }
     bool holdsPart() const { return m_part.isValid(); }
+    // A drawing can be drawn at any size: zoomed past its natural size it
+    // lacks pixels too, and is drawn again, sharp.
+    void setDrawing(bool drawing) { m_drawing = drawing; }
+    bool isDrawing() const { return m_drawing; }
     // What of the picture shows inside the parent, in its pixels at 100 %.
     QRect visiblePart() const;
     // Whether what shows needs pixels not held: a part panned or zoomed
@@ -51,6 +55,7 @@ private:
     QSize m_naturalSize;
     QRect m_part; // invalid while the whole picture is held
     bool m_partRequested = false;
+    bool m_drawing = false;
     void requestPartIfNeeded();
     void paintPart(QPainter &painter, const QRect &exposed);
     // An opaque picture shrunk to the control's size, drawn once by the same

@@ -1,6 +1,7 @@
 #include "viewer/frmMain.h"
 
 #include "core/AppState.h"
+#include "core/FileTypeCatalogue.h"
 #include "platform/MoviePlayer.h"
 #include "viewer/AnimationView.h"
 #include "viewer/PictureView.h"
@@ -25,7 +26,7 @@ enum Line { AnchorH, MovingH, AnchorV, MovingV };
 
 void frmMain::cmdRitaglia_Click()
 {
-    if (m_state.FileTypeCode == u"GIF" && m_state.AnimateGifs && WebBrowser1->isVisible())
+    if (FileTypeCatalogue::mayAnimate(m_state.FileTypeCode) && m_state.AnimateGifs && WebBrowser1->isVisible())
         return; // an animation cannot be cropped
     if (m_state.CropSelectionActive)
         ClearCropSelection();
@@ -265,7 +266,7 @@ void frmMain::showContextMenu(QPoint globalPosition)
     const bool movie = m_state.MainMovieLoaded;
     for (QAction *item : {mnuPlay, mnuStop, mnuSepp})
         item->setVisible(movie);
-    const bool gif = m_state.FileTypeCode == u"GIF";
+    const bool gif = FileTypeCatalogue::mayAnimate(m_state.FileTypeCode);
     mnuAnim->setVisible(gif);
     mnuSepGif->setVisible(gif);
     mnuAnim->setChecked(chkAnim->isChecked());

@@ -162,9 +162,10 @@ void frmMain::showPicture(const QString &path)
     // scale, actual size only the part that shows at first.
     const PictureLoader::Picture loaded = loadForDisplay(path, Option1[0]->isChecked());
     ImgEgg->setPicture(loaded.image, loaded.naturalSize, loaded.part);
+    ImgEgg->setDrawing(m_state.FileTypeCode == u"SVG");
     fitOrActualSize();
     ImgEgg->setVisible(!loaded.image.isNull());
-    if (m_state.FileTypeCode == u"GIF")
+    if (FileTypeCatalogue::mayAnimate(m_state.FileTypeCode))
         showAnimation(path);
 }
 

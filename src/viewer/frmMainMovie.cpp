@@ -1,6 +1,7 @@
 #include "viewer/frmMain.h"
 
 #include "core/AppState.h"
+#include "core/FileTypeCatalogue.h"
 #include "core/MessageCatalogue.h"
 #include "fullscreen/frmFull.h"
 #include "index/frmIndex.h"
@@ -253,12 +254,14 @@ void frmMain::chkAnim_Click()
         return;
     }
     m_state.AnimateGifs = true;
-    if (m_state.FileTypeCode == u"GIF") {
+    if (FileTypeCatalogue::mayAnimate(m_state.FileTypeCode)) {
         if (WebBrowser1->location() != m_state.currentPath())
             WebBrowser1->Navigate(m_state.currentPath());
-        ImgEgg->hide();
-        WebBrowser1->show();
-        WebBrowser1->raise();
+        if (m_state.FileTypeCode == u"GIF" || WebBrowser1->frameCount() > 1) {
+            ImgEgg->hide();
+            WebBrowser1->show();
+            WebBrowser1->raise();
+        }
     }
     if (!m_state.FullScreenActive) {
         show();
@@ -268,15 +271,16 @@ void frmMain::chkAnim_Click()
     }
 }
 
-// A GIF goes to the animation view as well; which of the two is seen
-// follows chkAnim.
+// A GIF or WebP goes to the animation view as well; which of the two is
+// seen follows chkAnim. A still WebP stays a picture, to be zoomed and panned.
 void frmMain::showAnimation(const QString &path)
 {
     WebBrowser1->Navigate(path);
     m_state.AnimateGifs = chkAnim->isChecked();
     if (m_state.FullScreenActive)
         return;
-    const bool animate = m_state.AnimateGifs && !WebBrowser1->isEmpty();
+    const bool animate = m_state.AnimateGifs && !WebBrowser1->isEmpty()
+        && (m_state.FileTypeCode == u"GIF" || WebBrowser1->frameCount() > 1);
     WebBrowser1->setVisible(animate);
     if (animate) {
         WebBrowser1->raise();

@@ -68,7 +68,9 @@ void frmMain::fillPictureView()
         return;
     const QSize natural = ImgEgg->naturalSize();
     PictureLoader::Options options;
-    options.part = PartRules::partToDecode(ImgEgg->visiblePart(), natural);
+    options.enlargeDrawings = ImgEgg->isDrawing();
+    if (!ImgEgg->isDrawing()) // drawn whole, at the size it shows
+        options.part = PartRules::partToDecode(ImgEgg->visiblePart(), natural);
     if (!options.part.isValid())
         options.fitInto = ImgEgg->size() * devicePixelRatio(); // never more than the picture has
     const PictureLoader::Picture loaded =

@@ -4,6 +4,10 @@
 #include "index/ExifThumbnail.h"
 #include "index/ThumbnailCache.h"
 #include "platform/EmfRenderer.h"
+#include "platform/HeifDecoder.h"
+#include "platform/JpegXlDecoder.h"
+#include "platform/RawDecoder.h"
+#include "platform/SvgRenderer.h"
 #include "platform/MetafileAnswer.h"
 #include "platform/MoviePlaylist.h"
 #include "platform/IconDecoder.h"
@@ -29,6 +33,9 @@ namespace {
 const QSize PaintBound(512, 512);
 constexpr qint64 MaxRlePixels = 4'000'000;
 constexpr int MetafileTimeLimitMs = 2000;
+// Pictures of today's formats: small enough for quick runs, large enough
+// for every real seed.
+constexpr qint64 MaxDecodedPixels = 4'000'000;
 
 // A broken promise of the parser, not a crash: the fuzzer must still stop.
 void require(bool condition, const char *what)
@@ -188,9 +195,55 @@ void exifThumbnail(const QByteArray &input)
     require(seen.size() == stored.size() || seen.size() == stored.size().transposed(), "orientation changed the size");
 }
 
+// The decoders keep their promise: nothing past the pixel bound, and a
+// picture as large as they say.
+void requireWithinBound(const DecodedPicture &picture, const char *what)
+{
+    if (picture.isNull())
+        return;
+    require(qint64(picture.image.width()) * picture.image.height() <= MaxDecodedPixels, what);
+    require(picture.naturalSize.isValid(), what);
+}
+
+void heif(const QByteArray &input)
+{
+    if (!HeifDecoder::isHeif(input.left(256)))
+        return;
+    HeifDecoder::sizeOf(input);
+    const DecodedPicture picture = HeifDecoder::decode(input, MaxDecodedPixels);
+    requireWithinBound(picture, "a HEIF picture stays within the bound");
+    require(picture.isNull() || picture.image.size() == picture.naturalSize, "a HEIF picture comes whole");
+}
+
+void jpegXl(const QByteArray &input)
+{
+    if (!JpegXlDecoder::isJxl(input.left(256)))
+        return;
+    JpegXlDecoder::sizeOf(input);
+    const DecodedPicture picture = JpegXlDecoder::decode(input, MaxDecodedPixels);
+    requireWithinBound(picture, "a JPEG XL picture stays within the bound");
+    require(picture.isNull() || picture.image.size() == picture.naturalSize, "a JPEG XL picture comes whole");
+}
+
+void raw(const QByteArray &input)
+{
+    RawDecoder::sizeOf(input);
+    // The preview, then the sensor data: both paths on every input.
+    requireWithinBound(RawDecoder::decode(input, MaxDecodedPixels, QSize(64, 64)), "a RAW preview stays within the bound");
+    requireWithinBound(RawDecoder::decode(input, MaxDecodedPixels, QSize()), "a RAW picture stays within the bound");
+}
+
+void svg(const QByteArray &input)
+{
+    const SvgRenderer::Drawn drawn = SvgRenderer::paint(input, PaintBound);
+    require(drawn.picture.isNull()
+                || (drawn.picture.width() <= PaintBound.width() && drawn.picture.height() <= PaintBound.height()),
+            "the SVG picture fits the bound");
+}
+
 std::span<const Target> all()
 {
-    static const std::array<Target, 10> targets = {{
+    static const std::array<Target, 14> targets = {{
         {"rle", rleBitmap},
         {"icon", icon},
         {"wmf", wmf},
@@ -201,6 +254,10 @@ std::span<const Target> all()
         {"thumbnail_cache", thumbnailCache},
         {"exif", exifThumbnail},
         {"metafile_answer", metafileAnswer},
+        {"heif", heif},
+        {"jxl", jpegXl},
+        {"raw", raw},
+        {"svg", svg},
     }};
     return targets;
 }

@@ -26,6 +26,10 @@ void mimeApps(const QByteArray &input);
 void thumbnailCache(const QByteArray &input);
 void exifThumbnail(const QByteArray &input);
 void metafileAnswer(const QByteArray &input);
+void heif(const QByteArray &input);
+void jpegXl(const QByteArray &input);
+void raw(const QByteArray &input);
+void svg(const QByteArray &input);
 
 std::span<const Target> all();
 
