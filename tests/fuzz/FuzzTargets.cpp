@@ -1,6 +1,7 @@
 #include "fuzz/FuzzTargets.h"
 
 #include "core/ProfileReader.h"
+#include "files/TrashInfo.h"
 #include "index/ExifThumbnail.h"
 #include "index/ThumbnailCache.h"
 #include "platform/EmfRenderer.h"
@@ -188,9 +189,17 @@ void exifThumbnail(const QByteArray &input)
     require(seen.size() == stored.size() || seen.size() == stored.size().transposed(), "orientation changed the size");
 }
 
+void trashInfo(const QByteArray &input)
+{
+    const QString path = TrashInfo::originalPath(input, QStringLiteral("/media/stick"));
+    require(path.isEmpty() || (path.startsWith(QLatin1Char('/')) && path != QLatin1String("/")),
+            "a Trash note gave a path that is not a file's");
+    require(!path.contains(QChar(0)), "a Trash note gave a path with a NUL");
+}
+
 std::span<const Target> all()
 {
-    static const std::array<Target, 10> targets = {{
+    static const std::array<Target, 11> targets = {{
         {"rle", rleBitmap},
         {"icon", icon},
         {"wmf", wmf},
@@ -201,6 +210,7 @@ std::span<const Target> all()
         {"thumbnail_cache", thumbnailCache},
         {"exif", exifThumbnail},
         {"metafile_answer", metafileAnswer},
+        {"trash_info", trashInfo},
     }};
     return targets;
 }

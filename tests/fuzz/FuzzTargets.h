@@ -26,6 +26,7 @@ void mimeApps(const QByteArray &input);
 void thumbnailCache(const QByteArray &input);
 void exifThumbnail(const QByteArray &input);
 void metafileAnswer(const QByteArray &input);
+void trashInfo(const QByteArray &input);
 
 std::span<const Target> all();
 
