@@ -299,6 +299,9 @@ private:
     void chooseViewMode(int option);
     void updateSizeTexts();
     QSizeF windowTwips() const;
+    // A picture's pixels are device pixels: at " 100% " one lands on one screen pixel.
+    ViewGeometry::Twips pictureTwips() const;
+    QSizeF pictureTwipsOf(QSize natural) const;
     void Centra_Image(QWidget *target);
     void setWaitCursor(bool on);
     QPointF targetOrigin(QWidget *target) const;
