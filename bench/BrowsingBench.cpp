@@ -99,11 +99,12 @@ void commandLineFileBench(BenchTable &table);
 void memoryWalkBench(BenchTable &table);
 void startupBench(BenchTable &table);
 void peerBench(BenchTable &table); // peer_bench.cpp
+void liveFolderBench(BenchTable &table); // live_folder_bench.cpp
 
 QList<Bench> allBenches()
 {
     return {{"listing", folderListingBench}, {"fit-display", fitDisplayBench}, {"zoom-pan", zoomAndPanBench},
             {"thumbnail-page", thumbnailPageBench}, {"next", nextPictureBench},
             {"command-line", commandLineFileBench}, {"memory", memoryWalkBench}, {"startup", startupBench},
-            {"peers", peerBench}};
+            {"live-folder", liveFolderBench}, {"peers", peerBench}};
 }
