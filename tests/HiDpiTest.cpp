@@ -1,9 +1,12 @@
 // Runs at the scale factor of its environment: ctest runs it again under
 // QT_SCALE_FACTOR 1.5 and 2 (tests/CMakeLists.txt).
+#include "index/frmIndex.h"
 #include "support/MainWindowFixture.h"
 #include "viewer/ViewGeometry.h"
 
+#include <QDir>
 #include <QImage>
+#include <QLabel>
 #include <QScreen>
 #include <QTest>
 
@@ -82,4 +85,27 @@ TEST(HiDpiWindow, FitsTheWorkAreaAndShowsOnePicturePixelPerDevicePixelAt100Perce
             << window.LabPix->text().toStdString();
         fixture.close();
     }
+}
+
+TEST(HiDpiWindow, ThumbnailsAreMadeAtTheDeviceSizeOfTheirCellAndDrawnUnscaled)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("pics");
+    const QString photo = fixture.makePicture(folder, "photo.jpg", {1200, 800});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(photo);
+    QTest::keyClick(&window, Qt::Key_T, Qt::AltModifier);
+    frmIndex *index = window.indexWindow();
+    ASSERT_NE(index, nullptr);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading() && !index->cells[0].Image1->pixmap().isNull(); },
+                                20000));
+    const qreal ratio = index->devicePixelRatioF();
+    const QLabel &cell = *index->cells[0].Image1;
+    EXPECT_EQ(cell.pixmap().size(), (QSizeF(cell.size()) * ratio).toSize()) << ratio; // one pixel per device pixel
+    EXPECT_EQ(cell.pixmap().devicePixelRatio(), ratio);
+    // Above a scale of 1 the cell needs more than 128 pixels: the large thumbnails.
+    const QString cache = QString::fromLocal8Bit(qgetenv("XDG_CACHE_HOME")) + "/thumbnails/";
+    const QString flavour = qMax(cell.width(), cell.height()) * ratio > 128 ? "large" : "normal";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !QDir(cache + flavour).entryList({"*.png"}).isEmpty(); }, 5000))
+        << flavour.toStdString();
 }

@@ -71,7 +71,16 @@ shown=""
 for _ in $(seq 1 100); do
     if window=$(xdotool search --pid "$pid" --name " board.bmp  - Vimora " 2>/dev/null | head -n1) && [[ -n "$window" ]]; then
         shown=1
-        find_board && exit 0
+        if find_board; then
+            # And the window, 3/4 of the work area at first start, lies within the screen.
+            eval "$(xdotool getwindowgeometry --shell "$window")"
+            if (( X + WIDTH > 2560 || Y + HEIGHT > 1600 )); then
+                echo "the window (${WIDTH} x ${HEIGHT} at ${X}, ${Y}) reaches past the 2560 x 1600 screen" >&2
+                exit 1
+            fi
+            echo "window ${WIDTH} x ${HEIGHT} at ${X}, ${Y}"
+            exit 0
+        fi
     fi
     sleep 0.2
 done
