@@ -1,5 +1,6 @@
 // Runs at the scale factor of its environment: ctest runs it again under
 // QT_SCALE_FACTOR 1.5 and 2 (tests/CMakeLists.txt).
+#include "fullscreen/frmFull.h"
 #include "index/frmIndex.h"
 #include "support/MainWindowFixture.h"
 #include "viewer/ViewGeometry.h"
@@ -108,4 +109,21 @@ TEST(HiDpiWindow, ThumbnailsAreMadeAtTheDeviceSizeOfTheirCellAndDrawnUnscaled)
     const QString flavour = qMax(cell.width(), cell.height()) * ratio > 128 ? "large" : "normal";
     EXPECT_TRUE(QTest::qWaitFor([&] { return !QDir(cache + flavour).entryList({"*.png"}).isEmpty(); }, 5000))
         << flavour.toStdString();
+}
+
+TEST(HiDpiWindow, TheFullScreenViewHoldsAndDrawsThePictureAtDeviceResolution)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("pics");
+    const QString photo = fixture.makePicture(folder, "photo.jpg", {3000, 2000});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(photo);
+    QTest::keyClick(&window, Qt::Key_F, Qt::AltModifier); // fitted: the main window holds a smaller decode
+    QTest::mouseDClick(window.ImgEgg, Qt::LeftButton, {}, {5, 5});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.fullView() && window.fullView()->ImgEgg->isVisible(); }, 10000));
+    PictureView &shown = *window.fullView()->ImgEgg;
+    const qreal ratio = shown.devicePixelRatioF();
+    EXPECT_GE(shown.picture().width(), int(shown.width() * ratio) - 2) << ratio;
+    const QImage drawn = shown.grab().toImage();
+    EXPECT_EQ(drawn.size(), (QSizeF(shown.size()) * ratio).toSize());
 }
