@@ -59,6 +59,7 @@ TEST(TrashInfo, NamesTheOriginalPathPercentDecodedOrFromTheTopFolder)
     EXPECT_EQ(TrashInfo::originalPath(info, "/"), QString::fromUtf8("/home/u/Pictures/café & bar.jpg"));
     EXPECT_EQ(TrashInfo::originalPath("[Trash Info]\r\nPath=photos/a.jpg\r\n", "/media/stick"),
               "/media/stick/photos/a.jpg");
+    EXPECT_EQ(TrashInfo::originalPath("[Trash Info]\nPath=:/icons/a.png\n", "/media/stick"), "/media/stick/:/icons/a.png");
     // Only the group's own key counts; nothing usable gives "".
     EXPECT_EQ(TrashInfo::originalPath("[Other]\nPath=/x/a.jpg\n[Trash Info]\nPath=/y/b.jpg\n", "/"), "/y/b.jpg");
     for (const QByteArray &bad : {QByteArray(), QByteArray("Path=/x/a.jpg\n"), QByteArray("[Trash Info]\nPath=\n"),

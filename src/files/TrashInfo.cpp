@@ -37,8 +37,10 @@ QString originalPath(const QByteArray &note, const QString &topFolder)
         const QString path = QUrl::fromPercentEncoding(line.mid(5));
         if (path.isEmpty() || path.contains(QChar(0)))
             return {};
-        const QString full = QDir::cleanPath(QDir::isAbsolutePath(path) ? path : topFolder + QLatin1Char('/') + path);
-        if (!QDir::isAbsolutePath(full) || full == QLatin1String("/") || QFileInfo(full).fileName().isEmpty())
+        // By the leading slash alone: Qt would take ":/..." for one of its resources.
+        const bool absolute = path.startsWith(QLatin1Char('/'));
+        const QString full = QDir::cleanPath(absolute ? path : topFolder + QLatin1Char('/') + path);
+        if (!full.startsWith(QLatin1Char('/')) || full == QLatin1String("/") || QFileInfo(full).fileName().isEmpty())
             return {};
         return full;
     }
