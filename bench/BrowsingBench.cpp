@@ -101,11 +101,13 @@ void startupBench(BenchTable &table);
 void peerBench(BenchTable &table); // peer_bench.cpp
 void todaysFitBench(BenchTable &table);        // todays_pictures_bench.cpp
 void colourConversionBench(BenchTable &table);
+void liveFolderBench(BenchTable &table); // live_folder_bench.cpp
 
 QList<Bench> allBenches()
 {
     return {{"listing", folderListingBench}, {"fit-display", fitDisplayBench}, {"zoom-pan", zoomAndPanBench},
             {"thumbnail-page", thumbnailPageBench}, {"next", nextPictureBench},
             {"command-line", commandLineFileBench}, {"memory", memoryWalkBench}, {"startup", startupBench},
-            {"peers", peerBench}, {"todays-types", todaysFitBench}, {"colour", colourConversionBench}};
+            {"live-folder", liveFolderBench}, {"peers", peerBench}, {"todays-types", todaysFitBench},
+            {"colour", colourConversionBench}};
 }

@@ -10,7 +10,7 @@ packages=(build-essential cmake ninja-build pkg-config
           qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins xdg-utils libxcb1-dev libxcb-xtest0-dev
           libheif-dev libjxl-dev libraw-dev liblcms2-dev fontconfig fonts-dejavu-core)
 if [[ "${1:-}" == "--test" || "${1:-}" == "--bench" ]]; then
-    packages+=(libgtest-dev libgmock-dev xvfb xauth xdotool openbox xclip imagemagick poppler-utils
+    packages+=(libgtest-dev libgmock-dev xvfb xauth xdotool openbox xclip imagemagick poppler-utils python3
                ffmpeg dvdauthor exiv2 libjpeg-turbo-progs libvips-tools desktop-file-utils
                clang libclang-rt-14-dev)
 fi

@@ -33,6 +33,14 @@ public:
     void pauseSlideshow() override {}
     void resumeSlideshow() override {}
     void releasePlayers(const QString &released) override { calls << "release " + released; }
+    QList<UndoRecord> chores;
+    void recordChore(UndoRecord record) override
+    {
+        if (!record.steps.isEmpty())
+            chores.append(record);
+    }
+    bool canUndo() const override { return !chores.isEmpty(); }
+    void undo() override { calls << "undo"; }
 };
 
 struct FavouritesWindow : ::testing::Test {

@@ -23,6 +23,7 @@ const QList<Entry> MainCaptions{
     {"SFDelete", 820, "&Delete"},
     {"SFInfo", 821, "File info"},
     {"SFRename", 811, "Rename"},
+    {"mnuUndo", 20624, "Undo"},
     {"mnuAdd", 822, "Add to list"},
     {"mnuRemove", 819, "Remove from list"},
     {"mnuGrab", 830, "Grab Image"},
@@ -131,6 +132,7 @@ const QList<Entry> ListCaptions{
     {"SFInfo", 821, "Properties"},
     {"mnuRename", 811, "Rename"},
     {"mnuDelete", 820, "Delete"},
+    {"mnuUndo", 20624, "Undo"},
     // favourites window: title, select-all box and the menu's list commands
     {"", 10111, "Global Operations"},
     {"Check1", 20622, "Select all"},

@@ -128,11 +128,15 @@ BatchResult deleteEntries(const QStringList &selected, const FileContext &contex
             context.releasePlayers(path);
         request.append(path);
     }
-    RecycleFiles(request, context);
-    for (const QString &path : request) {
+    QStringList inTrash;
+    RecycleFiles(request, context, &inTrash);
+    for (qsizetype i = 0; i < request.size(); ++i) {
+        const QString &path = request[i];
         if (!QFileInfo::exists(path)) {
             result.removed.append(path);
             result.gone.append(path);
+            if (!inTrash.value(i).isEmpty())
+                result.trashed.append({path, inTrash.value(i)});
         }
     }
     return result;

@@ -35,6 +35,7 @@ struct BatchResult {
     QStringList removed;                    // entries to take out of the list
     QList<QPair<QString, QString>> moved;   // entry -> its new path
     QStringList gone;                       // files that left their folder
+    QList<QPair<QString, QString>> trashed; // file -> where it went in the Trash
     bool cancelled = false;
 };
 

@@ -23,14 +23,17 @@ QString renameFile(const QString &path, const QString &typed, const FileContext 
     return renamed ? target : QString();
 }
 
-bool deleteFile(const QString &path, const FileContext &context)
+bool deleteFile(const QString &path, const FileContext &context, QString *inTrash)
 {
     if (!IsExistingFile(path))
         return false;
     if (context.releasePlayers)
         context.releasePlayers(path);
-    RecycleFiles({path}, context);
+    QStringList trashed;
+    RecycleFiles({path}, context, &trashed);
     QCoreApplication::processEvents();
+    if (inTrash)
+        *inTrash = trashed.value(0);
     return !QFileInfo::exists(path);
 }
 

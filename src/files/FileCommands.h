@@ -19,8 +19,9 @@ namespace FileCommands {
 QString renameFile(const QString &path, const QString &typed, const FileContext &context);
 
 // Releases the players, asks and sends the file to the Trash. True when
-// the file is gone; the caller then drops it from its lists.
-bool deleteFile(const QString &path, const FileContext &context);
+// the file is gone; the caller then drops it from its lists. inTrash gets
+// where it went.
+bool deleteFile(const QString &path, const FileContext &context, QString *inTrash = nullptr);
 
 // The information panel, or "File Not Found !" and the path when the file
 // is missing (nullptr then). The index asks with the second button as

@@ -167,7 +167,7 @@ FileResult RenameThisFile(const QString &oldPath, const QString &newPath, const 
     return MoveFileTo(oldPath, newPath, context); // another file system, or a fault it reports
 }
 
-int RecycleFiles(const QStringList &paths, const FileContext &context)
+int RecycleFiles(const QStringList &paths, const FileContext &context, QStringList *inTrash)
 {
     if (paths.isEmpty())
         return 0;
@@ -179,9 +179,13 @@ int RecycleFiles(const QStringList &paths, const FileContext &context)
 
     DataFolder::userDataFolder(); // without $XDG_DATA_HOME, Qt makes a Trash in the working folder
     QStringList failed;
-    for (const QString &path : paths)
-        if (!QFile::moveToTrash(path))
+    for (const QString &path : paths) {
+        QString trashed;
+        if (!QFile::moveToTrash(path, &trashed))
             failed.append(path);
+        if (inTrash)
+            inTrash->append(trashed);
+    }
     if (failed.isEmpty())
         return 0;
     reportFailure(context, 20606, "These files could not be moved to the Trash:", failed.join(QLatin1Char('\n')), {});

@@ -54,7 +54,9 @@ inline constexpr int RecycleFailed = 1;
 
 // One confirmation for the whole list, then every path to the freedesktop
 // Trash. Players are not released here: callers release each path first.
-int RecycleFiles(const QStringList &paths, const FileContext &context);
+// inTrash, when given, gets for each path where it went in the Trash ("" for
+// a file that did not go).
+int RecycleFiles(const QStringList &paths, const FileContext &context, QStringList *inTrash = nullptr);
 
 // Asks for a folder and moves the file there after the replace question.
 // Returns the new path after a move, else the path unchanged (also when

@@ -93,6 +93,7 @@ void frmList::buildControls()
     mnuMove = action("mnuMove");
     mnuDelete = action("mnuDelete");
     mnuRename = action("mnuRename");
+    mnuUndo = action("mnuUndo");
     SFInfo = action("SFInfo");
     SFPOPUP->addSeparator();
     mnuRemove = action("mnuRemove");
@@ -120,6 +121,8 @@ void frmList::buildControls()
     connect(mnuMove, &QAction::triggered, this, &frmList::mnuMove_Click);
     connect(mnuDelete, &QAction::triggered, this, &frmList::mnuDelete_Click);
     connect(mnuRename, &QAction::triggered, this, &frmList::mnuRename_Click);
+    connect(mnuUndo, &QAction::triggered, this, [this] { m_host.undo(); });
+    connect(SFPOPUP, &QMenu::aboutToShow, this, [this] { mnuUndo->setEnabled(m_host.canUndo()); });
     connect(SFInfo, &QAction::triggered, this, &frmList::SFInfo_Click);
     connect(mnuRemove, &QAction::triggered, this, &frmList::cmdRemove_Click);
     connect(mnuClear, &QAction::triggered, this, &frmList::cmdAll_Click);
@@ -310,10 +313,13 @@ void frmList::cmdMove_Click()
     const Favourites::BatchResult result = Favourites::moveEntries(selectedEntries(), withSlash(chosen), fileContext());
     removeAll(*this, result.removed);
     bool refresh = false;
+    UndoRecord chore{ChoreKind::Move, {}};
     for (const auto &[from, to] : result.moved) {
         replaceEntry(from, to);
         refresh = refresh || inShownFolder(from) || inShownFolder(to);
+        chore.steps.append({from, to, false});
     }
+    m_host.recordChore(std::move(chore));
     if (refresh)
         m_host.refreshFileList();
 }
@@ -322,6 +328,10 @@ void frmList::deletePaths(const QStringList &paths)
 {
     m_host.pauseSlideshow();
     const Favourites::BatchResult result = Favourites::deleteEntries(paths, fileContext());
+    UndoRecord chore{ChoreKind::Trash, {}};
+    for (const auto &[from, inTrash] : result.trashed)
+        chore.steps.append({from, inTrash, true});
+    m_host.recordChore(std::move(chore));
     const QString shown = m_host.shownPath();
     bool refresh = false;
     for (const QString &path : result.gone) {
@@ -402,6 +412,7 @@ void frmList::mnuMove_Click()
     if (moved == path)
         return;
     replaceEntry(path, moved);
+    m_host.recordChore({ChoreKind::Move, {{path, moved, false}}});
     if (inShownFolder(path))
         m_host.refreshFileList();
 }
@@ -417,8 +428,10 @@ void frmList::mnuRename_Click()
     if (typed.isEmpty())
         return;
     const QString renamed = FileCommands::renameFile(path, typed, fileContext());
-    if (!renamed.isEmpty())
+    if (!renamed.isEmpty()) {
         replaceEntry(path, renamed);
+        m_host.recordChore({ChoreKind::Rename, {{path, renamed, false}}});
+    }
     if (inShownFolder(path))
         m_host.refreshFileList();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "files/FileUndo.h"
+
 #include <QRect>
 #include <QString>
 #include <QStringList>
@@ -33,6 +35,10 @@ public:
     virtual void pauseSlideshow() = 0;
     virtual void resumeSlideshow() = 0;        // only when the slideshow is on
     virtual void releasePlayers(const QString &path) = 0;
+    // The file chores of this run, shared with the main window's Ctrl+Z.
+    virtual void recordChore(UndoRecord record) = 0;
+    virtual bool canUndo() const = 0;
+    virtual void undo() = 0;
 };
 
 // The favourites window: the user's own list of files, kept across runs,
@@ -76,7 +82,7 @@ public:
     QPushButton *cmdSave, *cmdMove, *cmdDel, *cmdRemove, *cmdAll;
     QLabel *LabSel;
     QMenu *SFPOPUP;
-    QAction *mnuOpen, *mnuSave, *mnuMove, *mnuDelete, *mnuRename, *SFInfo, *mnuRemove, *mnuClear;
+    QAction *mnuOpen, *mnuSave, *mnuMove, *mnuDelete, *mnuRename, *mnuUndo, *SFInfo, *mnuRemove, *mnuClear;
 
     int ListClickIndex = -1;
     bool ListReady = false;

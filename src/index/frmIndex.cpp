@@ -273,7 +273,8 @@ void frmIndex::ApplyLanguage()
         {mnuWall, 827, "&Wallpaper"},     {mnuRemoveWall, 828, "Restore"},  {mnuMove, 831, "Move"},
         {mnuAdd, 822, "Add to list"},     {mnuRemove, 819, "Remove from list"},
         {mnuGlobal, 10111, "Global Operations"},
-        {SFRename, 811, "Rename"},        {SFDelete, 820, "&Delete"},       {SFInfo, 821, "File info"},
+        {SFRename, 811, "Rename"},        {SFDelete, 820, "&Delete"},       {mnuUndo, 20624, "Undo"},
+        {SFInfo, 821, "File info"},
         {mnuShellOpen, 10134, "Shell Open"}, {mnuShellEdit, 10135, "Shell Edit"},
     };
     for (const auto &entry : items)
@@ -309,6 +310,7 @@ void frmIndex::buildMenu()
     SFPOPUP->addSeparator();
     SFRename = action("SFRename");
     SFDelete = action("SFDelete");
+    mnuUndo = action("mnuUndo");
     SFInfo = action("SFInfo");
     mnuShellOpen = action("mnuShellOpen");
     mnuShellEdit = action("mnuShellEdit");
@@ -335,6 +337,8 @@ void frmIndex::buildMenu()
     connect(SFRename, &QAction::triggered, this, [this, call] { call(onRename); });
     connect(SFDelete, &QAction::triggered, this, [this, call] { call(onDelete); });
     connect(SFInfo, &QAction::triggered, this, [this, call] { call(onInfo); });
+    connect(mnuUndo, &QAction::triggered, this, [this] { if (onUndo) onUndo(); });
+    connect(SFPOPUP, &QMenu::aboutToShow, this, [this] { mnuUndo->setEnabled(onUndo && canUndo && canUndo()); });
     updateCommandStates();
 }
 
@@ -351,6 +355,7 @@ void frmIndex::updateCommandStates()
     mnuGlobal->setEnabled(bool(onGlobal));
     SFRename->setEnabled(bool(onRename));
     SFDelete->setEnabled(bool(onDelete));
+    mnuUndo->setEnabled(onUndo && canUndo && canUndo());
     SFInfo->setEnabled(bool(onInfo));
     mnuShellOpen->setEnabled(bool(onShellOpen));
     mnuShellEdit->setEnabled(bool(onShellEdit));

@@ -60,7 +60,7 @@ public:
 
     QMenu *SFPOPUP;
     QAction *mnuOpen, *mnuPlay, *mnuStop, *mnuSepp, *mnuSave, *mnuPrint, *mnuClipboard, *mnuWall, *mnuRemoveWall;
-    QAction *mnuMove, *mnuAdd, *mnuRemove, *mnuGlobal, *SFRename, *SFDelete, *SFInfo, *mnuShellOpen, *mnuShellEdit;
+    QAction *mnuMove, *mnuAdd, *mnuRemove, *mnuGlobal, *SFRename, *SFDelete, *mnuUndo, *SFInfo, *mnuShellOpen, *mnuShellEdit;
 
     int IndexPage = 0;
     QString SelectedFile;
@@ -74,7 +74,8 @@ public:
     PathHook onAddToFavourites, onRemoveFromFavourites, onClipboard, onSave, onPrint, onWallpaper;
     PathHook onShellOpen, onShellEdit, onRename, onDelete, onInfo;
     std::function<bool(const QString &path)> onMove; // true when the file moved
-    std::function<void()> onGlobal, onRemoveWallpaper, onVolume;
+    std::function<void()> onGlobal, onRemoveWallpaper, onVolume, onUndo;
+    std::function<bool()> canUndo; // whether onUndo has a chore to put back
     std::function<bool(const QString &path)> isFavourite;
     // Whether the user made Vimora the viewer of files of this type (the
     // extension's last letters, upper case, not normalised).

@@ -222,6 +222,7 @@ bool frmIndex::handleKey(int key, Qt::KeyboardModifiers modifiers)
         {alt && (key == Qt::Key_E || key == Qt::Key_V), [&] { trigger(mnuRemoveWall); }},
         {alt && key == Qt::Key_N, [&] { trigger(SFRename); }},
         {alt && key == Qt::Key_I, [&] { trigger(SFInfo); }},
+        {ctrl && key == Qt::Key_Z, [this] { if (onUndo) onUndo(); }},
     };
     for (const Binding &binding : table) {
         if (binding.when) {

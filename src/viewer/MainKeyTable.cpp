@@ -21,7 +21,7 @@ bool hasRow(int key, Qt::KeyboardModifiers modifiers)
         }
     }
     if (exact == Qt::ControlModifier)
-        return key == Qt::Key_A || key == Qt::Key_C;
+        return key == Qt::Key_A || key == Qt::Key_C || key == Qt::Key_Z;
     if (exact == Qt::AltModifier) {
         switch (key) {
         case Qt::Key_A: case Qt::Key_C: case Qt::Key_D: case Qt::Key_E: case Qt::Key_F: case Qt::Key_G:

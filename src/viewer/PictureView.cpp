@@ -82,21 +82,30 @@ void PictureView::paintEvent(QPaintEvent *event)
         paintPart(painter, event->rect());
         return;
     }
-    const bool shrunk = width() <= m_picture.width() && height() <= m_picture.height() && size() != m_picture.size();
-    if (shrunk && !m_picture.hasAlphaChannel() && devicePixelRatioF() == 1) {
-        if (m_shrunk.size() != size()) {
-            m_shrunk = QImage(size(), QImage::Format_RGB32);
+    // Drawn at device resolution: a picture shrunk to the control's device
+    // pixels, or at " 100% " each of its pixels on one device pixel.
+    const qreal ratio = devicePixelRatioF();
+    const QSize device = (QSizeF(size()) * ratio).toSize();
+    const bool shrunk = device.width() <= m_picture.width() && device.height() <= m_picture.height()
+                     && device != m_picture.size();
+    if (shrunk && !m_picture.hasAlphaChannel()) {
+        if (m_shrunk.size() != device) {
+            m_shrunk = QImage(device, QImage::Format_RGB32);
             QPainter shrinking(&m_shrunk);
             shrinking.setRenderHint(QPainter::SmoothPixmapTransform);
-            shrinking.drawImage(QRectF(rect()), m_picture, QRectF(m_picture.rect()));
+            shrinking.drawImage(QRectF(m_shrunk.rect()), m_picture, QRectF(m_picture.rect()));
         }
-        painter.drawImage(event->rect(), m_shrunk, event->rect());
+        const QRect exposed = event->rect();
+        painter.drawImage(QRectF(exposed), m_shrunk,
+                          QRectF(exposed.x() * ratio, exposed.y() * ratio, exposed.width() * ratio,
+                                 exposed.height() * ratio));
         return;
     }
     m_shrunk = QImage();
     // Smooth scaling only where the picture is shrunk or modestly enlarged;
     // painting only the exposed part keeps large zooms cheap.
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, width() <= m_picture.width() * 2);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform,
+                          device != m_picture.size() && device.width() <= m_picture.width() * 2);
     const QRect exposed = event->rect();
     const double sx = double(m_picture.width()) / qMax(1, width());
     const double sy = double(m_picture.height()) / qMax(1, height());
@@ -117,10 +126,12 @@ void PictureView::paintPart(QPainter &painter, const QRect &exposed)
         painter.fillRect(exposed, palette().window()); // until the missing pixels come
     if (shown.isEmpty())
         return;
-    if (size() == m_naturalSize && devicePixelRatioF() == 1) {
-        // At 100 % a plain copy: no scaling path, however large the part.
+    const qreal ratio = devicePixelRatioF();
+    if ((QSizeF(size()) * ratio).toSize() == m_naturalSize) {
+        // At 100 % a plain copy, one pixel on one device pixel: no scaling path, however large the part.
         const QRect copied = shown.toAlignedRect() & m_part;
-        painter.drawImage(copied.topLeft(), m_picture, copied.translated(-m_part.topLeft()));
+        painter.drawImage(QRectF(QPointF(copied.topLeft()) / ratio, QSizeF(copied.size()) / ratio), m_picture,
+                          QRectF(copied.translated(-m_part.topLeft())));
         return;
     }
     const QRectF target(shown.x() / toNaturalX, shown.y() / toNaturalY, shown.width() / toNaturalX,

@@ -33,7 +33,31 @@ struct Twips {
     {
         return {toPixelsX(left), toPixelsY(top), toPixelsX(width), toPixelsY(height)};
     }
+    // Twips per device pixel, where a logical pixel is `ratio` of them: a
+    // picture pixel is a device pixel, so that " 100% " stays sharp.
+    Twips devicePixels(double ratio) const
+    {
+        return ratio > 0 ? Twips{perPixelX / ratio, perPixelY / ratio} : *this;
+    }
 };
+
+// The logical size that covers so many device pixels (a pixel's fraction dropped).
+inline QSize logicalSize(double deviceWidth, double deviceHeight, double ratio)
+{
+    if (ratio <= 0)
+        ratio = 1;
+    return {int(deviceWidth / ratio + 1e-9), int(deviceHeight / ratio + 1e-9)};
+}
+
+// How wide in centimetres a width of logical pixels shows on the screen:
+// from its physical size when the screen reports a plausible one, else
+// from the twips (the logical DPI).
+inline double displayedCentimetres(int logicalWidth, double physicalDpi, const Twips &twips)
+{
+    if (physicalDpi >= 20 && physicalDpi <= 2000)
+        return logicalWidth / physicalDpi * 2.54;
+    return twips.fromPixelsX(logicalWidth) / 1440.0 * 2.54;
+}
 
 // Frame1's left edge: centred (a little to the left) when the window is
 // wider than its minimum, else at 0.

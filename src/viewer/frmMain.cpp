@@ -226,6 +226,7 @@ void frmMain::buildMenus()
     mnusep99 = separator(SFPOPUP, "mnusep99");
     SFRename = action(SFPOPUP, "SFRename");
     SFDelete = action(SFPOPUP, "SFDelete");
+    mnuUndo = action(SFPOPUP, "mnuUndo");
     SFInfo = action(SFPOPUP, "SFInfo");
     mnuShellOpen = action(SFPOPUP, "mnuShellOpen");
     mnuShellEdit = action(SFPOPUP, "mnuShellEdit");

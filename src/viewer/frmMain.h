@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/FileUndo.h"
 #include "platform/Drives.h"
 #include "viewer/ViewGeometry.h"
 #include "viewer/ZoomRules.h"
@@ -127,7 +128,7 @@ public:
     QMenu *mnuZoom;
     QAction *mnuPlay, *mnuStop, *mnuSepp, *mnuGrab, *mnuAnim, *mnuSepGif, *mnuFullScreen;
     QAction *mnuSave, *mnuPrint, *mnuClipboard, *mnusepX, *mnuWall, *mnuRemoveWall, *mnuMove;
-    QAction *mnusep, *mnuGlobal, *mnusep99, *SFRename, *SFDelete, *SFInfo, *mnusepw;
+    QAction *mnusep, *mnuGlobal, *mnusep99, *SFRename, *SFDelete, *mnuUndo, *SFInfo, *mnusepw;
     QAction *mnufit, *mnuFull, *mnuAdd, *mnuRemove, *mnuShellOpen, *mnuShellEdit;
     QAction *mnuCropSave, *mnuCropClip, *mnuCropPrint, *mnuDirOpen, *mnuDirExpl;
     std::array<QAction *, 12> mnuZoomItems; // 10 % ... 800 %
@@ -214,6 +215,9 @@ public:
     void SFInfo_Click();
     void mnuMove_Click();
     void mnuRemove_Click();
+    // Puts back the last file chore of this run (Ctrl+Z, "Undo").
+    void mnuUndo_Click();
+    bool canUndo() const { return !m_undo.isEmpty(); }
     frmList &favourites(); // made on first use
     // The index and the full-screen view add and remove through these.
     void Inserisci_Lista(const QString &path);
@@ -295,6 +299,9 @@ private:
     void chooseViewMode(int option);
     void updateSizeTexts();
     QSizeF windowTwips() const;
+    // A picture's pixels are device pixels: at " 100% " one lands on one screen pixel.
+    ViewGeometry::Twips pictureTwips() const;
+    QSizeF pictureTwipsOf(QSize natural) const;
     void Centra_Image(QWidget *target);
     void setWaitCursor(bool on);
     QPointF targetOrigin(QWidget *target) const;
@@ -382,6 +389,9 @@ private:
     frmIndex *m_index = nullptr;
     frmList *m_favourites = nullptr;
     std::function<QString(const QRect &, const QString &)> m_renameBox;
+    UndoHistory m_undo; // the file chores of this run
+    void recordChore(UndoRecord record) { m_undo.record(std::move(record)); }
+    bool isFavourite(const QString &path);
 
     // The index's commands on this window's features (frmMainIndexCommands.cpp);
     // the file and output commands take any path, the index's selection too.

@@ -3,6 +3,7 @@
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "files/CopyProgress.h"
+#include "files/Favourites.h"
 #include "files/FileCommands.h"
 #include "files/FileOperations.h"
 #include "files/FilePaths.h"
@@ -17,6 +18,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <QTimer>
 #include <QToolButton>
@@ -43,6 +45,9 @@ public:
     void pauseSlideshow() override { m_main.stopSlideTimer(); }
     void resumeSlideshow() override { m_main.restartSlideTimerIfOn(); }
     void releasePlayers(const QString &path) override { m_main.releasePlayers(path); }
+    void recordChore(UndoRecord record) override { m_main.recordChore(std::move(record)); }
+    bool canUndo() const override { return m_main.canUndo(); }
+    void undo() override { m_main.mnuUndo_Click(); }
 
 private:
     frmMain &m_main;
@@ -70,6 +75,8 @@ void frmMain::connectFileCommands()
     connect(SFRename, &QAction::triggered, this, &frmMain::SFRename_Click);
     connect(SFDelete, &QAction::triggered, this, &frmMain::SFDelete_Click);
     connect(SFInfo, &QAction::triggered, this, &frmMain::SFInfo_Click);
+    connect(mnuUndo, &QAction::triggered, this, &frmMain::mnuUndo_Click);
+    connect(SFPOPUP, &QMenu::aboutToShow, this, [this] { mnuUndo->setEnabled(canUndo()); });
     m_renameBox = [this](const QRect &where, const QString &name) {
         return AskNewName(this, where, name, m_state.messages);
     };
@@ -178,6 +185,8 @@ void frmMain::renameFileAt(const QString &oldPath, const QRect &nameRect)
     const bool renamed = !newPath.isEmpty();
     if (renamed && m_favourites)
         m_favourites->replaceEntry(oldPath, newPath);
+    if (renamed)
+        recordChore({ChoreKind::Rename, {{oldPath, newPath, false}}});
 
     const bool stays = QFileInfo(newPath).absolutePath() == m_state.CurrentFolder;
     if (renamed && stays)
@@ -210,7 +219,11 @@ void frmMain::deleteFileAt(const QString &path)
         const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &held) {
             releasePlayers(held);
         });
-        if (FileCommands::deleteFile(path, context)) {
+        const bool favourite = isFavourite(path);
+        QString inTrash;
+        if (FileCommands::deleteFile(path, context, &inTrash)) {
+            if (!inTrash.isEmpty())
+                recordChore({ChoreKind::Trash, {{path, inTrash, favourite}}});
             RemoveFromFavourites(path);
             if (m_state.MarkIndexThumbnail)
                 m_state.MarkIndexThumbnail(path, false);
@@ -239,6 +252,8 @@ void frmMain::fileKeyPress(int key, Qt::KeyboardModifiers modifiers)
     const bool alt = modifiers == Qt::AltModifier;
     if ((modifiers == Qt::NoModifier && key == Qt::Key_Delete) || (alt && key == Qt::Key_D))
         SFDelete_Click();
+    if (modifiers == Qt::ControlModifier && key == Qt::Key_Z)
+        mnuUndo_Click();
     if (!alt)
         return;
     switch (key) {
@@ -289,5 +304,39 @@ bool frmMain::moveFileAway(const QString &path)
         return false;
     if (m_favourites)
         m_favourites->replaceEntry(path, moved);
+    recordChore({ChoreKind::Move, {{path, moved, false}}});
     return true;
+}
+
+bool frmMain::isFavourite(const QString &path) { return Favourites::find(favourites().entries(), path) >= 0; }
+
+void frmMain::mnuUndo_Click()
+{
+    if (m_undo.isEmpty())
+        return;
+    ClearCropSelection();
+    stopSlideTimer();
+    const UndoRecord record = m_undo.takeLast();
+    const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &held) {
+        releasePlayers(held);
+    });
+    const FileUndo::Result result = FileUndo::undo(record, context);
+    recordChore({record.kind, result.kept}); // the user kept the file in the way: Ctrl+Z may try again
+    QString shown;
+    for (const ChoreStep &step : result.putBack) {
+        if (record.kind != ChoreKind::Trash && m_favourites)
+            m_favourites->replaceEntry(step.now, step.original);
+        if (record.kind == ChoreKind::Trash && step.favourite) {
+            Inserisci_Lista(step.original);
+            cmdList->setEnabled(true);
+        }
+        if (QFileInfo(step.original).absolutePath() == m_state.CurrentFolder)
+            shown = QFileInfo(step.original).fileName();
+    }
+    // The file put back is shown; the list, its count and the index page follow.
+    if (!shown.isEmpty())
+        m_state.CurrentFileName = shown;
+    if (!result.putBack.isEmpty())
+        cmdRefr_Click();
+    restartSlideTimerIfOn();
 }

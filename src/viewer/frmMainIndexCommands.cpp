@@ -71,6 +71,8 @@ void frmMain::wireIndexCommands(frmIndex *index)
     index->onGlobal = [this] { cmdList_Click(); };
     index->onRename = [this, index](const QString &path) { renameFileAt(path, nameRectOf(*index, path)); };
     index->onDelete = [this](const QString &path) { deleteFileAt(path); };
+    index->onUndo = [this] { mnuUndo_Click(); };
+    index->canUndo = [this] { return canUndo(); };
     index->onMove = [this](const QString &path) {
         stopSlideTimer();
         const bool moved = moveFileAway(path);

@@ -96,8 +96,7 @@ void frmMain::Form_Resize()
     m_zoomPercent = 0; // a resize ends an explicit zoom
     if (!ImgEgg->isEmpty() && Option1[0]->isChecked()) {
         // The resize fit keeps the status texts; they belong to the fit command.
-        const QSize natural = ImgEgg->naturalSize();
-        const QSizeF picture(m_twips.fromPixelsX(natural.width()), m_twips.fromPixelsY(natural.height()));
+        const QSizeF picture = pictureTwipsOf(ImgEgg->naturalSize());
         const double ratio = ZoomRules::resizeFitRatio(picture, windowTwips(), m_twips.fromPixelsY(ImgEgg->y()));
         if (ratio > 0)
             resizePicture(QSize(m_twips.toPixelsX(picture.width() * ratio), m_twips.toPixelsY(picture.height() * ratio)));

@@ -9,6 +9,7 @@
 #include <QAction>
 #include <QLabel>
 #include <QRadioButton>
+#include <QScreen>
 #include <QTimer>
 
 void frmMain::cmdExpand_Click()
@@ -38,14 +39,17 @@ void frmMain::ZoomTo(int percent)
     if (m_state.MainMovieLoaded) {
         const QSize natural = MediaPlayer1->naturalSize();
         if (!natural.isEmpty()) {
-            const QSizeF naturalTwips(m_twips.fromPixelsX(natural.width()), m_twips.fromPixelsY(natural.height()));
+            const ViewGeometry::Twips device = pictureTwips();
+            const QSizeF naturalTwips(device.fromPixelsX(natural.width()), device.fromPixelsY(natural.height()));
             percent = ZoomRules::movieZoomPercent(percent, naturalTwips, windowTwips());
-            MediaPlayer1->resize(natural * (percent / 100.0));
+            MediaPlayer1->resize(ViewGeometry::logicalSize(natural.width() * percent / 100.0,
+                                                           natural.height() * percent / 100.0, devicePixelRatioF()));
             Centra_Image(MediaPlayer1);
         }
     } else if (!ImgEgg->naturalSize().isEmpty()) {
         const QSize natural = ImgEgg->naturalSize();
-        resizePicture(QSize(int(natural.width() * percent / 100.0), int(natural.height() * percent / 100.0)));
+        resizePicture(ViewGeometry::logicalSize(natural.width() * percent / 100.0, natural.height() * percent / 100.0,
+                                                devicePixelRatioF()));
         updateSizeTexts();
         Centra_Image(ImgEgg);
         fillPictureView();
@@ -96,15 +100,15 @@ void frmMain::fitOrActualSize()
     }
     int percent = 100;
     if (Option1[0]->isChecked()) {
-        const QSizeF pictureTwips(m_twips.fromPixelsX(natural.width()), m_twips.fromPixelsY(natural.height()));
-        const double ratio = ZoomRules::fitRatio(pictureTwips, windowTwips());
+        const QSizeF naturalTwips = pictureTwipsOf(natural);
+        const double ratio = ZoomRules::fitRatio(naturalTwips, windowTwips());
         if (ratio > 0)
             percent = int(std::lround(ratio * 100));
-        const QSizeF shown = ratio > 0 ? pictureTwips * ratio : pictureTwips;
+        const QSizeF shown = ratio > 0 ? naturalTwips * ratio : naturalTwips;
         resizePicture(QSize(m_twips.toPixelsX(shown.width()), m_twips.toPixelsY(shown.height())));
         m_fitPercent = percent;
     } else {
-        resizePicture(natural);
+        resizePicture(ViewGeometry::logicalSize(natural.width(), natural.height(), devicePixelRatioF()));
     }
     updateSizeTexts();
     LabZoom->setText(ViewRules::zoomLabel(percent));
@@ -119,9 +123,19 @@ void frmMain::updateSizeTexts()
     const QString resolution = ViewRules::resolutionText(natural.width(), natural.height());
     ImgEgg->setToolTip(m_state.CurrentFileName + QStringLiteral("   (") + resolution + QStringLiteral(")  ")
                        + m_fileSizeDisplay + QLatin1Char(' '));
-    const double displayedCm = m_twips.fromPixelsX(ImgEgg->width()) / 1440.0 * 2.54;
+    const QScreen *screen = this->screen();
+    const double displayedCm =
+        ViewGeometry::displayedCentimetres(ImgEgg->width(), screen ? screen->physicalDotsPerInchX() : 0, m_twips);
     LabPix->setText(QLatin1Char(' ') + ViewRules::withPixelsPerCm(resolution, natural.width(), displayedCm)
                     + QLatin1Char(' '));
+}
+
+ViewGeometry::Twips frmMain::pictureTwips() const { return m_twips.devicePixels(devicePixelRatioF()); }
+
+QSizeF frmMain::pictureTwipsOf(QSize natural) const
+{
+    const ViewGeometry::Twips device = pictureTwips();
+    return {device.fromPixelsX(natural.width()), device.fromPixelsY(natural.height())};
 }
 
 QSizeF frmMain::windowTwips() const

@@ -1,6 +1,7 @@
 #include "fuzz/FuzzTargets.h"
 
 #include "core/ProfileReader.h"
+#include "files/TrashInfo.h"
 #include "index/ExifThumbnail.h"
 #include "index/ThumbnailCache.h"
 #include "platform/EmfRenderer.h"
@@ -241,9 +242,17 @@ void svg(const QByteArray &input)
             "the SVG picture fits the bound");
 }
 
+void trashInfo(const QByteArray &input)
+{
+    const QString path = TrashInfo::originalPath(input, QStringLiteral("/media/stick"));
+    require(path.isEmpty() || (path.startsWith(QLatin1Char('/')) && path != QLatin1String("/")),
+            "a Trash note gave a path that is not a file's");
+    require(!path.contains(QChar(0)), "a Trash note gave a path with a NUL");
+}
+
 std::span<const Target> all()
 {
-    static const std::array<Target, 14> targets = {{
+    static const std::array<Target, 15> targets = {{
         {"rle", rleBitmap},
         {"icon", icon},
         {"wmf", wmf},
@@ -258,6 +267,7 @@ std::span<const Target> all()
         {"jxl", jpegXl},
         {"raw", raw},
         {"svg", svg},
+        {"trash_info", trashInfo},
     }};
     return targets;
 }

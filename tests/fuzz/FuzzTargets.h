@@ -30,6 +30,7 @@ void heif(const QByteArray &input);
 void jpegXl(const QByteArray &input);
 void raw(const QByteArray &input);
 void svg(const QByteArray &input);
+void trashInfo(const QByteArray &input);
 
 std::span<const Target> all();
 
