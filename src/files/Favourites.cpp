@@ -128,7 +128,10 @@ BatchResult deleteEntries(const QStringList &selected, const FileContext &contex
             context.releasePlayers(path);
         request.append(path);
     }
-    RecycleFiles(request, context);
+    if (RecycleFiles(request, context) == RecycleCancelled) {
+        result.cancelled = true; // a file gone meanwhile stays listed: the user said no
+        return result;
+    }
     for (const QString &path : request) {
         if (!QFileInfo::exists(path)) {
             result.removed.append(path);

@@ -33,6 +33,7 @@ public:
     virtual void pauseSlideshow() = 0;
     virtual void resumeSlideshow() = 0;        // only when the slideshow is on
     virtual void releasePlayers(const QString &path) = 0;
+    virtual void switchLanguage() = 0;         // F2: every window in the chosen language
 };
 
 // The favourites window: the user's own list of files, kept across runs,
@@ -46,6 +47,7 @@ public:
     void Inserisci_Lista(const QString &path);
     void LoadFavourites();
     void SaveFavourites();
+    void ApplyLanguage(); // captions and tooltips of the current language
     void RemoveFromFavourites(const QString &path);
     // An entry follows its file renamed or moved elsewhere.
     void replaceEntry(const QString &path, const QString &newPath);
