@@ -43,6 +43,7 @@ public:
     void pauseSlideshow() override { m_main.stopSlideTimer(); }
     void resumeSlideshow() override { m_main.restartSlideTimerIfOn(); }
     void releasePlayers(const QString &path) override { m_main.releasePlayers(path); }
+    void switchLanguage() override { m_main.switchLanguage(); }
 
 private:
     frmMain &m_main;

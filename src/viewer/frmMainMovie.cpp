@@ -73,8 +73,15 @@ void frmMain::connectFullViewCommands(frmFull &view)
     view.onRemoveFromFavourites = [this] { mnuRemove_Click(); };
     view.onShellOpen = [this] { mnuShellOpen_Click(); };
     view.onShellEdit = [this] { mnuShellEdit_Click(); };
-    view.onPrint = [this] { cmdPrint_Click(); };
-    view.onSave = [this] { cmdSave_Click(); };
+    view.onPrint = [this, &view] {
+        if (!m_state.CurrentFileName.isEmpty())
+            printFromDialog([this] { return currentPicture(); }, &view);
+    };
+    view.onSave = [this, &view] {
+        if (!m_state.CurrentFileName.isEmpty())
+            saveCopyOf(m_state.currentPath(),
+                       m_state.messages.GetMsg(383, QStringLiteral("Select destination path for file copy")), &view);
+    };
     view.onSetWallpaper = [this] { mnuWall_Click(); };
     view.onRemoveWallpaper = [this] { mnuRemoveWall_Click(); };
 }
