@@ -277,6 +277,7 @@ TEST(LaunchPause, HoldsFromTheLaunchUntilVimoraIsActiveAgain)
 TEST_F(Journey, SlideshowWaitsWhileTheExploredFolderIsInFront)
 {
     fixture.settings().write("UserDef", "xTime", "1");
+    fixture.makeFiles(folder, {"c.bmp"}); // three, so that two ticks cannot come round again
     frmMain &window = start();
     window.cmdIndex->click();
     frmIndex *index = window.indexWindow();

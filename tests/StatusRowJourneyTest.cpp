@@ -32,7 +32,8 @@ TEST(StatusRowJourney, ResizingTheWindowInFitModeTellsTheNewZoom)
     // Dragging the corner larger, then smaller than at first.
     for (const QSize size : {QSize(1400, 1000), QSize(700, 560)}) {
         window.resize(size);
-        QTRY_COMPARE(window.LabZoom->text(), zoomOnScreen(window, 3000));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window.LabZoom->text() == zoomOnScreen(window, 3000); }, 3000))
+            << window.LabZoom->text().toStdString() << " for " << window.ImgEgg->width() << " pixels";
         EXPECT_NE(window.LabZoom->text(), zoomBefore);
         EXPECT_NE(window.LabPix->text(), pixelsBefore);
         EXPECT_TRUE(window.LabPix->text().contains(" 3000 x 2000 ")) << window.LabPix->text().toStdString();
@@ -68,17 +69,17 @@ TEST(StatusRowJourney, SlidesAndAVanishedMovieLeaveNoPictureSizeBehind)
     ASSERT_FALSE(window.LabZoom->text().isEmpty());
 
     QTest::keyClick(&window, Qt::Key_Down);
-    QTRY_COMPARE(window.windowTitle(), QString(" b.ppt  - Vimora "));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " b.ppt  - Vimora "; }, 5000));
     EXPECT_EQ(window.LabNum->text(), " 2/4 ");
     EXPECT_EQ(window.LabPix->text(), "");
     EXPECT_EQ(window.LabZoom->text(), "");
 
     QTest::keyClick(&window, Qt::Key_Down);
-    QTRY_COMPARE(window.windowTitle(), QString(" c.bmp  - Vimora "));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " c.bmp  - Vimora "; }, 5000));
     ASSERT_FALSE(window.LabZoom->text().isEmpty());
     ASSERT_TRUE(QFile::remove(folder + "/d.avi")); // gone before the user moves on
     QTest::keyClick(&window, Qt::Key_Down);
-    QTRY_COMPARE(window.windowTitle(), QString(" d.avi  - Vimora "));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " d.avi  - Vimora "; }, 5000));
     EXPECT_EQ(window.LabNum->text(), " 4/4 ");
     EXPECT_EQ(window.LabPix->text(), "");
     EXPECT_EQ(window.LabZoom->text(), "");

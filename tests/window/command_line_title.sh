@@ -3,7 +3,7 @@
 # line, as a desktop entry or a shell would, and checks that the window
 # title names that file.
 set -euo pipefail
-vimora=$1
+vimora=$(realpath "$1")
 
 if [[ -z "${VIMORA_IN_XVFB:-}" ]]; then
     export VIMORA_IN_XVFB=1
