@@ -299,6 +299,7 @@ private:
     void resizePicture(QSize shown);
     void showMovie(const QString &path, double startPosition);
     void fitOrActualSize();
+    void fitOrActualSizeMovie();
     void chooseViewMode(int option);
     void updateSizeTexts();
     QSizeF windowTwips() const;

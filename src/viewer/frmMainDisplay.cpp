@@ -192,16 +192,9 @@ void frmMain::showMovie(const QString &path, double startPosition)
     else if (!m_state.KeepDisplay)
         m_savedMoviePosition = 0;
     MediaPlayer1->setCurrentPosition(m_savedMoviePosition);
-    if (MediaPlayer1->DisplaySize() != MoviePlayer::FullScreen) {
-        const double windowWidth = m_twips.fromPixelsX(width());
-        const double windowHeight = m_twips.fromPixelsY(height());
-        MediaPlayer1->setGeometry(m_twips.toPixels(0, ViewGeometry::DisplayTop, windowWidth - ViewGeometry::SideReserve,
-                                                   windowHeight - ViewGeometry::DisplayTop - ViewGeometry::BottomReserve));
-        Centra_Image(MediaPlayer1);
-    }
+    fitOrActualSizeMovie();
     MediaPlayer1->show();
     LabPix->clear();
-    LabZoom->setText(ViewRules::zoomLabel(100));
 }
 
 void frmMain::clearDisplay()

@@ -134,9 +134,9 @@ void frmMain::Form_Resize()
     const double areaWidth = windowWidth - SideReserve;
     const double areaHeight = windowHeight - DisplayTop - BottomReserve;
     WebBrowser1->setGeometry(m_twips.toPixels(0, DisplayTop, areaWidth, areaHeight));
-    if (m_state.MainMovieLoaded)
-        Centra_Image(MediaPlayer1);
     m_zoomPercent = 0; // a resize ends an explicit zoom
+    if (m_state.MainMovieLoaded && isVisible())
+        fitOrActualSizeMovie();
     if (!ImgEgg->isEmpty() && Option1[0]->isChecked()) {
         const QSize natural = ImgEgg->naturalSize();
         const QSizeF picture(m_twips.fromPixelsX(natural.width()), m_twips.fromPixelsY(natural.height()));

@@ -32,6 +32,10 @@ void frmMain::connectMovieHandlers()
     connect(MediaPlayer1, &MoviePlayer::mouseReleased, this, &frmMain::MediaPlayer1_MouseUp);
     connect(MediaPlayer1, &MoviePlayer::keyPressed, this, &frmMain::MediaPlayer1_KeyPress);
     connect(MediaPlayer1, &MoviePlayer::displaySizeChanged, this, &frmMain::MediaPlayer1_DisplaySizeChange);
+    connect(MediaPlayer1, &MoviePlayer::videoSizeKnown, this, [this] {
+        if (m_state.MainMovieLoaded && m_zoomPercent == 0)
+            fitOrActualSizeMovie();
+    });
 }
 
 frmFull *frmMain::fullView() const { return m_fullView; }
