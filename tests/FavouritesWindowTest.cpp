@@ -41,6 +41,7 @@ public:
     }
     bool canUndo() const override { return !chores.isEmpty(); }
     void undo() override { calls << "undo"; }
+    void switchLanguage() override { calls << "language"; }
 };
 
 struct FavouritesWindow : ::testing::Test {
@@ -184,13 +185,32 @@ TEST_F(FavouritesWindow, MissingFilesAreReportedAndOfferedForRemoval)
     window.Inserisci_Lista(here);
     // gone one: OK, remove? Yes; gone two: OK, remove? No; then the trash question, No.
     prompts.answers = {PromptAnswer::Ok, PromptAnswer::Yes, PromptAnswer::Ok, PromptAnswer::No, PromptAnswer::No};
+    window.show();
     window.cmdDel->click();
+    EXPECT_FALSE(window.isVisible()); // Delete closes the window whatever was answered
     ASSERT_EQ(prompts.asked.size(), 5);
     EXPECT_EQ(prompts.asked[0].text, "File Not Found !\r\n\r\n" + root.path() + "/gone one.jpg");
     EXPECT_EQ(prompts.asked[0].icon, PromptIcon::Critical);
     EXPECT_EQ(prompts.asked[1].text, "Remove from list ?\r\n\r\n" + root.path() + "/gone one.jpg");
     EXPECT_EQ(window.entries(), QStringList({root.path() + "/gone two.jpg", here}));
     EXPECT_TRUE(QFileInfo::exists(here));
+}
+
+TEST_F(FavouritesWindow, DecliningTheTrashKeepsEveryEntryAndClosesTheWindow)
+{
+    const QString kept = file("kept.jpg"), vanishing = file("vanishing.jpg");
+    frmList &window = open();
+    window.Inserisci_Lista(kept);
+    window.Inserisci_Lista(vanishing);
+    window.show();
+    // Another program removes one file while the trash question is up; the user says No.
+    prompts.beforeAnswer = [&](const PromptMessage &) { QFile::remove(vanishing); };
+    prompts.answers = {PromptAnswer::No};
+    window.cmdDel->click();
+    ASSERT_EQ(prompts.asked.size(), 1);
+    EXPECT_EQ(window.entries(), QStringList({kept, vanishing}));
+    EXPECT_TRUE(QFileInfo::exists(kept));
+    EXPECT_FALSE(window.isVisible());
 }
 
 TEST_F(FavouritesWindow, MovingASelectionAsksPerConflictAndCancelStops)

@@ -217,3 +217,25 @@ TEST(FullScreenView, PopupRunsTheMainWindowsCommandsOnTheFileShown)
     EXPECT_TRUE(full.fixture.launcher.started.last().second.contains(shown));
     EXPECT_TRUE(view->isVisible()) << "these commands keep the view up";
 }
+
+TEST(FullScreenView, SaveAsAndPrintComeUpOverTheViewAndItsKeysWorkAfterThem)
+{
+    FullWindow full;
+    QPointer<frmFull> view = full.open();
+    ASSERT_TRUE(view);
+    const QString copy = full.fixture.makeFolder("copies") + "/copy.bmp";
+    full.fixture.prompts.files = {copy};
+    view->mnuSave->trigger();
+    ASSERT_EQ(full.fixture.prompts.fileRequests.size(), 1);
+    EXPECT_EQ(full.fixture.prompts.fileRequests[0].title, "Select destination path for file copy ");
+    EXPECT_EQ(full.fixture.prompts.fileRequests[0].owner, view.data());
+    EXPECT_TRUE(QFile::exists(copy));
+
+    view->mnuPrint->trigger(); // cancelled by the scripted dialog
+    ASSERT_EQ(full.fixture.prompts.printRequests.size(), 1);
+    EXPECT_EQ(full.fixture.prompts.printRequests[0].owner, view.data());
+
+    ASSERT_TRUE(view && view->isVisible());
+    QTest::keyClick(view, Qt::Key_Down);
+    EXPECT_EQ(full.window().windowTitle(), " b.bmp  - Vimora ");
+}

@@ -223,22 +223,50 @@ TEST(MainWindowBrowsing, PictureThatDoesNotDecodeLeavesTheAreaEmptySilently)
     EXPECT_EQ(window.LabNum->text(), " 1/2 ");
 }
 
-TEST(MainWindowBrowsing, UnreadableFolderAsksRetryThenListsNothing)
+TEST(MainWindowBrowsing, UnreadableFolderAsksRetryAndCancelGoesBackToTheFolderBefore)
 {
     if (rerunUnprivilegedWhenRoot())
         return;
     MainWindowFixture fixture;
+    const QString shown = fixture.makeFolder("shown");
+    fixture.makeFiles(shown, {"a.bmp", "b.bmp"});
     const QString locked = fixture.makeFolder("locked");
-    fixture.makeFiles(locked, {"a.bmp"});
+    fixture.makeFiles(locked, {"x.bmp"});
     fixture.settings().write("UserDef", "Language", "EN");
-    frmMain &window = fixture.start();
+    frmMain &window = fixture.start(shown + "/b.bmp");
     QFile::setPermissions(locked, QFileDevice::WriteOwner);
     fixture.prompts.answers = {PromptAnswer::Retry, PromptAnswer::Cancel};
     pickInTree(window, locked);
     QFile::setPermissions(locked, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     ASSERT_EQ(fixture.prompts.asked.size(), 2);
     EXPECT_TRUE(fixture.prompts.asked[0].text.startsWith("Error reading Drive "));
-    EXPECT_TRUE(fixture.state->listIsEmpty());
+    EXPECT_EQ(fixture.prompts.asked[1].buttons, PromptButtons::RetryCancel);
+    // Back where the user was: that folder, its list and its file.
+    EXPECT_EQ(window.windowTitle(), " b.bmp  - Vimora ");
+    EXPECT_EQ(window.LabNum->text(), " 2/2 ");
+    EXPECT_EQ(window.CboURL->currentText(), shown);
+}
+
+TEST(MainWindowBrowsing, MissingFolderTypedInThePathBoxAsksRetryAndCancelKeepsTheFolder)
+{
+    MainWindowFixture fixture;
+    const QString shown = fixture.makeFolder("shown");
+    fixture.makeFiles(shown, {"a.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(shown + "/a.bmp");
+    QTest::keyClick(&window, Qt::Key_F4); // to the path box
+    QLineEdit *box = window.CboURL->lineEdit();
+    box->clear();
+    QTest::keyClicks(box, shown + "/no such folder");
+    fixture.prompts.answers = {PromptAnswer::Retry, PromptAnswer::Cancel};
+    QTest::keyClick(box, Qt::Key_Return);
+    QCoreApplication::processEvents();
+    ASSERT_EQ(fixture.prompts.asked.size(), 2);
+    EXPECT_TRUE(fixture.prompts.asked[0].text.startsWith("Error reading Drive "));
+    EXPECT_EQ(fixture.prompts.asked[0].buttons, PromptButtons::RetryCancel);
+    EXPECT_EQ(window.CboURL->currentText(), shown);
+    EXPECT_EQ(window.windowTitle(), " a.bmp  - Vimora ");
+    EXPECT_EQ(window.LabNum->text(), " 1/1 ");
 }
 
 TEST(MainWindowBrowsing, FitModeDecodesSmallAndActualSizeDecodesOnlyWhatShows)

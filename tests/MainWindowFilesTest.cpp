@@ -86,6 +86,18 @@ TEST_F(MainWindowFiles, RenameShowsTheFileUnderItsNewNameAndTheListFollows)
     EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "c.bmp"}));
 }
 
+TEST_F(MainWindowFiles, RenameWithABackslashMovesTheFileAsASlashWould)
+{
+    frmMain &window = start();
+    const QString elsewhere = fixture.makeFolder("elsewhere");
+    typed = {QString(elsewhere + "/moved.bmp").replace('/', '\\')};
+    QTest::keyClick(&window, Qt::Key_N, Qt::AltModifier);
+    EXPECT_TRUE(QFileInfo::exists(elsewhere + "/moved.bmp"));
+    EXPECT_FALSE(QFileInfo::exists(folder + "/b.bmp"));
+    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "c.bmp"}));
+    EXPECT_EQ(RenameTargetOf("/p/old.jpg", "\\q\\new.jpg"), "/q/new.jpg");
+}
+
 TEST_F(MainWindowFiles, UnchangedNameOrEscapeRenamesNothing)
 {
     MessageCatalogue messages;

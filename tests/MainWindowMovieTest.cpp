@@ -3,6 +3,7 @@
 
 #include "platform/MoviePlayer.h"
 #include "viewer/AnimationView.h"
+#include "viewer/ViewRules.h"
 
 #include <QAction>
 #include <QElapsedTimer>
@@ -389,3 +390,40 @@ INSTANTIATE_TEST_SUITE_P(Files, MainWindowCorpusMovie,
                                            "go-mediainfo-samples/sample.avi", "go-mediainfo-samples/sample.mpg",
                                            "mediainfo-js/test-sample-320x240-29.970fps-14.014s.m1v",
                                            "totem-pl-parser/asf-with-asx-suffix.asx"));
+
+TEST(MainWindowMovie, FitActualSizeAndZoomActOnAMovieAndTheZoomLabelTellsItsScale)
+{
+    REQUIRE_FFMPEG();
+    MovieWindow movies;
+    frmMain &window = movies.window();
+    MoviePlayer &player = movies.player();
+    window.resize(1000, 800);
+    ASSERT_TRUE(movies.showMovie());
+    // Actual size, the mode a new window starts in: the movie at its own size.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.LabZoom->text() == " 100% "; }, OpenTimeoutMs))
+        << window.LabZoom->text().toStdString();
+    EXPECT_EQ(player.DisplaySize(), MoviePlayer::NormalSize);
+
+    // Fit: enlarged to the area, and the label says by how much.
+    QTest::keyClick(&window, Qt::Key_F, Qt::AltModifier);
+    const QRect drawn = MoviePlayer::videoFrameRect(player.naturalSize(), player.videoArea(), player.DisplaySize());
+    const int fitted = qRound(100.0 * drawn.width() / TestClips::Width);
+    EXPECT_GT(fitted, 200);
+    EXPECT_EQ(window.LabZoom->text(), ViewRules::zoomLabel(fitted));
+
+    // Zoom -: smaller than the fit, and the player shrinks with it.
+    window.cmdReduce->click();
+    EXPECT_EQ(window.LabZoom->text(), ViewRules::zoomLabel(85));
+    EXPECT_EQ(player.videoArea().width(), qRound(TestClips::Width * 0.85));
+
+    QTest::keyClick(&window, Qt::Key_L, Qt::AltModifier);
+    EXPECT_EQ(window.LabZoom->text(), " 100% ");
+
+    // Fit chosen while the movie is full screen leaves full screen first.
+    window.mnuFullScreen_Click();
+    ASSERT_EQ(player.DisplaySize(), MoviePlayer::FullScreen);
+    window.mnufit_Click();
+    EXPECT_NE(player.DisplaySize(), MoviePlayer::FullScreen);
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(window.LabZoom->text(), ViewRules::zoomLabel(fitted));
+}

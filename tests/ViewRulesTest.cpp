@@ -107,6 +107,10 @@ TEST(StartupRules, CommandLineAndStartFolder)
     EXPECT_EQ(root.folder, "/");
     EXPECT_EQ(root.name, "photo.jpg");
     EXPECT_EQ(StartupRules::splitCommandLine("\"/q/x.jpg\"").name, "x.jpg\""); // quotes are kept
+    EXPECT_EQ(StartupRules::absoluteCommandLine("sub dir/b.jpg", "/home/u"), "/home/u/sub dir/b.jpg");
+    EXPECT_EQ(StartupRules::absoluteCommandLine("./b.jpg", "/home/u"), "/home/u/b.jpg");
+    EXPECT_EQ(StartupRules::absoluteCommandLine("/q/x.jpg", "/home/u"), "/q/x.jpg");
+    EXPECT_EQ(StartupRules::absoluteCommandLine("", "/home/u"), "");
 
     EXPECT_EQ(StartupRules::startFolder("/photos", "/opt/vimora/", false, false), "/photos");
     EXPECT_EQ(StartupRules::startFolder("", "/opt/vimora/", false, false), "/opt/vimora");
@@ -115,4 +119,6 @@ TEST(StartupRules, CommandLineAndStartFolder)
     EXPECT_EQ(StartupRules::slideSecondsFromStore(0), 1);
     EXPECT_EQ(StartupRules::slideSecondsFromStore(-4), 1);
     EXPECT_EQ(StartupRules::slideSecondsFromStore(7), 7);
+    EXPECT_EQ(StartupRules::slideSecondsFromStore(60), 60);
+    EXPECT_EQ(StartupRules::slideSecondsFromStore(300), 60); // the slider ends at 60
 }

@@ -4,9 +4,11 @@
 #include "platform/DataFolder.h"
 #include "platform/Launcher.h"
 #include "platform/Prompts.h"
+#include "viewer/StartupRules.h"
 #include "viewer/frmMain.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QIcon>
 
 #include <clocale>
@@ -34,6 +36,6 @@ int main(int argc, char *argv[])
     // The command line is one file path, taken whole: a path with blanks
     // arrives split into several arguments and is joined again.
     const QStringList arguments = QCoreApplication::arguments().mid(1);
-    window.Form_Load(arguments.join(QLatin1Char(' ')));
+    window.Form_Load(StartupRules::absoluteCommandLine(arguments.join(QLatin1Char(' ')), QDir::currentPath()));
     return QApplication::exec();
 }

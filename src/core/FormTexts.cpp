@@ -187,7 +187,8 @@ void setCaption(QObject *control, QWidget *form, const QString &text)
         menu->setTitle(text);
     else if (auto *action = qobject_cast<QAction *>(control))
         action->setText(text);
-    if (auto *widget = qobject_cast<QWidget *>(control); widget && widget != form)
+    // A label is read by its own text, whatever the program adds to it later.
+    if (auto *widget = qobject_cast<QWidget *>(control); widget && widget != form && !qobject_cast<QLabel *>(control))
         widget->setAccessibleName(withoutAccelerator(text));
 }
 
@@ -213,7 +214,7 @@ void setTooltip(QObject *control, const QString &tooltip, const QString &text)
         return;
     widget->setToolTip(tooltip);
     widget->setAccessibleDescription(text);
-    if (!hasCaption(control))
+    if (!hasCaption(control) && !qobject_cast<QLabel *>(control))
         widget->setAccessibleName(text);
 }
 

@@ -129,7 +129,10 @@ BatchResult deleteEntries(const QStringList &selected, const FileContext &contex
         request.append(path);
     }
     QStringList inTrash;
-    RecycleFiles(request, context, &inTrash);
+    if (RecycleFiles(request, context, &inTrash) == RecycleCancelled) {
+        result.cancelled = true; // a file gone meanwhile stays listed: the user said no
+        return result;
+    }
     for (qsizetype i = 0; i < request.size(); ++i) {
         const QString &path = request[i];
         if (!QFileInfo::exists(path)) {

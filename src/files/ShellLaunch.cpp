@@ -113,9 +113,9 @@ void shellEdit(const QString &path, Launcher &launcher, const FindProgram &find)
         launcher.start(editor, {path});
 }
 
-void explore(const QString &folder, Launcher &launcher)
+LaunchResult explore(const QString &folder, Launcher &launcher)
 {
-    launcher.openWithDefault(folder);
+    return launcher.openWithDefault(folder);
 }
 
 bool indexShellOpen(const QString &path, const QSet<QString> &linked, Launcher &launcher)

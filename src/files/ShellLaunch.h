@@ -39,7 +39,7 @@ void shellOpen(const QString &path, Launcher &launcher);
 // movies, or the default program when there is none.
 QString editorFor(const QString &path, const FindProgram &find);
 void shellEdit(const QString &path, Launcher &launcher, const FindProgram &find = findProgram);
-void explore(const QString &folder, Launcher &launcher);
+LaunchResult explore(const QString &folder, Launcher &launcher);
 
 // The thumbnail index's "Shell Open": nothing for a type linked to Vimora,
 // which would only come back here. True when something was started.

@@ -50,7 +50,8 @@ QString AskNewName(QWidget *parent, const QRect &where, const QString &name, con
 
 QString RenameTargetOf(const QString &oldPath, const QString &renameText)
 {
-    if (renameText.contains(QLatin1Char('/')))
-        return renameText;
+    // A backslash separates folders here as "/" does: a name with either is a path.
+    if (renameText.contains(QLatin1Char('/')) || renameText.contains(QLatin1Char('\\')))
+        return QString(renameText).replace(QLatin1Char('\\'), QLatin1Char('/'));
     return PathInFolder(QFileInfo(oldPath).path(), renameText);
 }

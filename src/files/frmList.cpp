@@ -41,8 +41,7 @@ frmList::frmList(AppState &state, Prompts &prompts, FavouritesHost &host, QWidge
         return AskNewName(this, where, name, m_state.messages);
     };
     buildControls();
-    FormTexts::ApplyCaptions(this, m_state.messages);
-    FormTexts::ApplyTooltips(this, m_state.messages, m_state.ShowTooltips);
+    ApplyLanguage();
     placeBesideMain();
     setListButtons(false);
     LoadFavourites();
@@ -345,8 +344,7 @@ void frmList::deletePaths(const QStringList &paths)
         m_host.refreshFileList();
     updateSizeLabel();
     m_host.resumeSlideshow();
-    if (!result.gone.isEmpty())
-        hide();
+    hide();
 }
 
 void frmList::cmdDel_Click() { deletePaths(selectedEntries()); }
@@ -449,10 +447,20 @@ void frmList::SFInfo_Click()
     }
 }
 
+void frmList::ApplyLanguage()
+{
+    FormTexts::ApplyCaptions(this, m_state.messages);
+    FormTexts::ApplyTooltips(this, m_state.messages, m_state.ShowTooltips);
+}
+
 void frmList::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape) {
         hide();
+        return;
+    }
+    if (event->key() == Qt::Key_F2 && event->modifiers() == Qt::NoModifier) {
+        m_host.switchLanguage();
         return;
     }
     QWidget::keyPressEvent(event);

@@ -39,6 +39,7 @@ public:
     virtual void recordChore(UndoRecord record) = 0;
     virtual bool canUndo() const = 0;
     virtual void undo() = 0;
+    virtual void switchLanguage() = 0;         // F2: every window in the chosen language
 };
 
 // The favourites window: the user's own list of files, kept across runs,
@@ -52,6 +53,7 @@ public:
     void Inserisci_Lista(const QString &path);
     void LoadFavourites();
     void SaveFavourites();
+    void ApplyLanguage(); // captions and tooltips of the current language
     void RemoveFromFavourites(const QString &path);
     // An entry follows its file renamed or moved elsewhere.
     void replaceEntry(const QString &path, const QString &newPath);

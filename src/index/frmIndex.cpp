@@ -259,7 +259,9 @@ void frmIndex::Form_Load()
 void frmIndex::ApplyLanguage()
 {
     const MessageCatalogue &messages = m_state.messages;
-    setWindowTitle(messages.GetMsg(10103, QStringLiteral("Folder preview by thumbnails")));
+    // Once a page is shown the title names its folder, in every language.
+    setWindowTitle(m_pageFolder.isEmpty() ? messages.GetMsg(10103, QStringLiteral("Folder preview by thumbnails"))
+                                          : QLatin1Char(' ') + m_pageFolder);
     FormTexts::ApplyCaptions(this, messages);
     FormTexts::ApplyTooltips(this, messages, m_state.ShowTooltips);
     // The popup shares the main window's texts.

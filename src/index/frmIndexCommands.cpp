@@ -3,7 +3,6 @@
 #include "index/frmIndex.h"
 
 #include "core/AppState.h"
-#include "core/LanguageChoice.h"
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
 #include "system/AssociationGroups.h"
@@ -158,7 +157,7 @@ void frmIndex::mnuWall_Click()
 
 void frmIndex::cmdDir_Click()
 {
-    m_launcher.openWithDefault(m_state.CurrentFolder);
+    m_main.noteLaunched(m_launcher.openWithDefault(m_state.CurrentFolder).started);
 }
 
 void frmIndex::MarkIndexThumbnail(const QString &path, bool favourite)
@@ -208,10 +207,7 @@ bool frmIndex::handleKey(int key, Qt::KeyboardModifiers modifiers)
         {alt && key == Qt::Key_A, [&] { trigger(mnuAdd); }},
         {alt && key == Qt::Key_R, [&] { trigger(mnuRemove); }},
         {alt && key == Qt::Key_G, [&] { trigger(mnuGlobal); }},
-        {plain && key == Qt::Key_F2, [this] {
-             ChooseLanguage(m_state, m_prompts);
-             ApplyLanguage();
-         }},
+        {plain && key == Qt::Key_F2, [this] { m_main.switchLanguage(); }},
         {plain && key == Qt::Key_F5, [this] { cmdRefr_Click(); }},
         {ctrl && key == Qt::Key_C, [&] { trigger(mnuClipboard); }},
         {alt && key == Qt::Key_C, [&] { trigger(mnuSave); }},

@@ -22,7 +22,8 @@ Result run(Prompts &prompts, Launcher &launcher, QPrinter &printer, QWidget *own
     const int copies = dialog.Copies();
     if (!slidesPath.isEmpty()) {
         for (int copy = 0; copy < copies; ++copy)
-            PictureOutput::printWithOwnProgram(launcher, slidesPath); // errors ignored
+            if (!PictureOutput::printWithOwnProgram(launcher, slidesPath))
+                return {Outcome::NoSlidesProgram, {}};
         return {Outcome::Printed, {}};
     }
     return {PictureOutput::printPicture(printer, picture(), copies) ? Outcome::Printed : Outcome::Failed, {}};

@@ -14,7 +14,7 @@ class QWidget;
 // else drawn by Vimora. Every window's print command goes through here.
 namespace PrintCommand {
 
-enum class Outcome { Printed, Cancelled, Failed };
+enum class Outcome { Printed, Cancelled, Failed, NoSlidesProgram };
 
 struct Result {
     Outcome outcome = Outcome::Cancelled;

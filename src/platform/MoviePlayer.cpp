@@ -129,6 +129,8 @@ void MoviePlayer::Private::publish()
     if (q->naturalSize() != shownVideoSize) {
         shownVideoSize = q->naturalSize();
         q->update();
+        if (shownVideoSize.isValid())
+            emit q->videoSizeKnown();
     }
     const MovieEngine *current = engine;
     const QString currentFile = fileName;

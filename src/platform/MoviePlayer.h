@@ -102,6 +102,7 @@ signals:
     void keyPressed(QKeyEvent *event);
     void mediaFailed();
     void displaySizeChanged(int displaySize);
+    void videoSizeKnown(); // naturalSize() has a new value
 
 protected:
     void paintEvent(QPaintEvent *event) override;

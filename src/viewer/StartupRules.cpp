@@ -3,6 +3,8 @@
 #include "core/FileTypeCatalogue.h"
 #include "viewer/FolderListing.h"
 
+#include <QDir>
+
 namespace StartupRules {
 
 CommandLineFile splitCommandLine(const QString &commandLine)
@@ -15,6 +17,13 @@ CommandLineFile splitCommandLine(const QString &commandLine)
     if (folder.isEmpty())
         folder = QStringLiteral("/");
     return {folder, commandLine.mid(cut + 1)};
+}
+
+QString absoluteCommandLine(const QString &commandLine, const QString &workingFolder)
+{
+    if (commandLine.isEmpty() || commandLine.startsWith(QLatin1Char('/')))
+        return commandLine;
+    return QDir::cleanPath(workingFolder + QLatin1Char('/') + commandLine);
 }
 
 QString withoutTrailingSlash(const QString &folder)
@@ -32,7 +41,7 @@ QString startFolder(const QString &storedFolder, const QString &programFolder, b
     return storedFolder;
 }
 
-int slideSecondsFromStore(int stored) { return stored < 1 ? 1 : stored; }
+int slideSecondsFromStore(int stored) { return qBound(1, stored, MaxSlideSeconds); }
 
 bool showsBeforeListingEnds(const QString &folder, const QString &name, const QString &filterCode,
                             const QString &filterItemText)

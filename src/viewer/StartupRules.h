@@ -13,6 +13,10 @@ struct CommandLineFile {
 // The command line is one path, taken whole: no quotes removed, no options.
 CommandLineFile splitCommandLine(const QString &commandLine);
 
+// A relative command line names a file from the folder the program was
+// started in.
+QString absoluteCommandLine(const QString &commandLine, const QString &workingFolder);
+
 // The folder a start without a command line opens: the stored one, unless
 // none is stored or it lies on an optical drive or a network mount.
 QString startFolder(const QString &storedFolder, const QString &programFolder, bool onOpticalDrive,
@@ -21,7 +25,8 @@ QString startFolder(const QString &storedFolder, const QString &programFolder, b
 // The program folder without its trailing separator (the root stays "/").
 QString withoutTrailingSlash(const QString &folder);
 
-int slideSecondsFromStore(int stored); // at least 1
+constexpr int MaxSlideSeconds = 60; // the slider's end
+int slideSecondsFromStore(int stored); // 1 to MaxSlideSeconds
 
 // Whether the file asked for is shown while its folder is still being
 // listed: a picture that the listing will admit. Movies and slides wait

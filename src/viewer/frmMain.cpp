@@ -4,6 +4,8 @@
 
 #include "core/AppState.h"
 #include "core/FormTexts.h"
+#include "core/LanguageChoice.h"
+#include "files/frmList.h"
 #include "core/MessageCatalogue.h"
 #include "platform/DataFolder.h"
 #include "platform/MoviePlayer.h"
@@ -288,6 +290,8 @@ void frmMain::connectHandlers()
         });
 
     qApp->installEventFilter(this); // the key table, wherever the focus is
+    connect(qApp, &QGuiApplication::applicationStateChanged, this,
+            [this](Qt::ApplicationState state) { m_launchPause.applicationStateChanged(state); });
     CboURL->view()->installEventFilter(this); // opening the history list
     CboType->view()->installEventFilter(this);
     LabMis->installEventFilter(this);
@@ -357,6 +361,15 @@ void frmMain::ApplyLanguage()
     cmdAbout->setAccessibleName(cmdAbout->text().remove(QLatin1Char('&')));
     layoutFrame1();
     applyLanguageToIndex();
+    if (m_favourites)
+        m_favourites->ApplyLanguage();
+}
+
+void frmMain::switchLanguage()
+{
+    ChooseLanguage(m_state, m_prompts);
+    ApplyLanguage();
+    fillTypeFilterList();
 }
 
 void frmMain::setWaitCursor(bool on)

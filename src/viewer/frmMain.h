@@ -2,6 +2,7 @@
 
 #include "files/FileUndo.h"
 #include "platform/Drives.h"
+#include "viewer/LaunchPause.h"
 #include "viewer/ViewGeometry.h"
 #include "viewer/ZoomRules.h"
 
@@ -65,6 +66,8 @@ public:
     void Mostra_Image(bool backward, const QString &name, bool nameIsFullPath = false, double startPosition = 0);
 
     void ApplyLanguage(); // captions and tooltips of the current language
+    // F2 in any window: the language chooser, then every open window in the new language.
+    void switchLanguage();
     // Where the drive list comes from; tests give their own.
     void setDriveSource(std::function<QList<Drive>()> source) { m_listDrives = std::move(source); }
     ViewGeometry::Twips twips() const { return m_twips; }
@@ -185,6 +188,8 @@ public:
     void mnuShellEdit_Click();
     void mnuDirOpen_Click();
     void mnuDirExpl_Click();
+    // A program opened for the user: the slideshow waits while it is in front.
+    void noteLaunched(bool started);
     void cmdHelp_Click();
     void cmdAbout_Click();
     void cmdLink_Click();
@@ -254,6 +259,7 @@ signals:
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
@@ -289,6 +295,7 @@ private:
     void showPendingSteps();
     bool driveReady(const QString &folder);
     bool askAfterReadError(const QString &folder);
+    bool fallBackToPreviousFolder();
     void selectDriveOf(const QString &folder);
     void setPathBoxText(const QString &text);
     void revealDir1Current();
@@ -296,6 +303,7 @@ private:
     void resizePicture(QSize shown);
     void showMovie(const QString &path, double startPosition);
     void fitOrActualSize();
+    void fitOrActualSizeMovie();
     void chooseViewMode(int option);
     void updateSizeTexts();
     QSizeF windowTwips() const;
@@ -329,7 +337,7 @@ private:
     void releaseMovieFrame(const MovieFrameHold &hold);
     QImage areaPicture(QWidget *target);
     QImage currentPicture();
-    void printFromDialog(const std::function<QImage()> &picture);
+    void printFromDialog(const std::function<QImage()> &picture, QWidget *owner);
     QString outputFolder() const;
     void reportDialogError(const clsCommonDialog &dialog);
     void reloadAfterWrite(const QString &path);
@@ -353,6 +361,8 @@ private:
     QString m_lastTypeText;
     QString m_pendingFileName;     // from a drop, shown by the next list load
     bool m_fromHistory = false;     // the folder change came from the path box
+    QString m_previousFolder;       // where Cancel on an unreadable folder goes back to
+    QString m_previousFileName;     // and the file it showed there
     bool m_completionRunning = false;
     qsizetype m_lastTypedLength = 0;
     bool m_unloaded = false;
@@ -375,7 +385,7 @@ private:
     QPointer<frmFull> m_fullView;
     QString m_fileSizeDisplay;
     int m_listGeneration = 0;       // a new list load cancels the running one
-    qint64 m_slidesLaunchPid = 0;
+    LaunchPause m_launchPause;
     std::function<QList<Drive>()> m_listDrives = listDrives;
     QString m_dirPopupFolder;          // the folder tree entry the pop-up was opened over
     QPointer<HelpWindow> m_helpWindow; // a window of its own, so a modal dialog does not block it
@@ -388,6 +398,8 @@ private:
     void applyLanguageToIndex();
     frmIndex *m_index = nullptr;
     frmList *m_favourites = nullptr;
+    bool m_favouritesHiddenWithMain = false;
+    QPointer<QWidget> m_linkDialog; // the association dialog while it is open
     std::function<QString(const QRect &, const QString &)> m_renameBox;
     UndoHistory m_undo; // the file chores of this run
     void recordChore(UndoRecord record) { m_undo.record(std::move(record)); }
@@ -400,7 +412,8 @@ private:
     void renameFileAt(const QString &oldPath, const QRect &nameRect);
     void deleteFileAt(const QString &path);
     bool moveFileAway(const QString &path);
-    void saveCopyOf(const QString &source, const QString &title);
+    // The dialog and the copy's progress come up over the window asking.
+    void saveCopyOf(const QString &source, const QString &title, QWidget *asking);
     void printPicture(QWidget *owner, const std::function<QImage()> &picture, const QString &slides);
     void setWallpaperFrom(const QString &path, bool bitmapFile, const std::function<QImage()> &picture);
     std::shared_ptr<VolumeControl> m_volumeControl; // one mixer per run

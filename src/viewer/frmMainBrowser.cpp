@@ -16,6 +16,7 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QFileSystemModel>
 #include <QLabel>
 #include <QLineEdit>
@@ -50,8 +51,14 @@ void frmMain::Carica_ListaImages(QString name)
     const auto listed = qScopeGuard([this] { m_listing = false; });
     watchListedFolder();
     FolderListing listing(m_state.CurrentFolder, m_state.TypeFilterCode, CboType->currentText());
-    while (listing.unreadable() && askAfterReadError(m_state.CurrentFolder))
+    while (listing.unreadable()) {
+        if (!askAfterReadError(m_state.CurrentFolder)) {
+            if (fallBackToPreviousFolder())
+                return;
+            break;
+        }
         listing = FolderListing(m_state.CurrentFolder, m_state.TypeFilterCode, CboType->currentText());
+    }
     QString shownEarly;
     for (bool firstStep = true; !listing.step(NamesPerTurn); firstStep = false) {
         if (firstStep && !m_state.KeepDisplay)
@@ -168,6 +175,8 @@ void frmMain::Dir1_Change()
         return;
     }
 
+    m_previousFolder = m_state.CurrentFolder;
+    m_previousFileName = m_state.CurrentFileName;
     m_state.CurrentFolder = folder;
     m_state.OutputFolder = folder;
     m_state.StopPreviewLoad = true;
@@ -207,7 +216,11 @@ void frmMain::CboURL_Click()
     m_state.StopPreviewLoad = true;
     m_state.BrowserReady = false;
     QCoreApplication::processEvents();
-    if (!driveReady(path) || !QDir(path).exists()) {
+    bool cancelled = !driveReady(path);
+    while (!cancelled && !QDir(path).exists())
+        cancelled = !askAfterReadError(path);
+    if (cancelled) {
+        setPathBoxText(m_state.CurrentFolder); // back to the folder on show
         m_state.BrowserReady = true;
         setWaitCursor(false);
         return;
@@ -395,6 +408,27 @@ bool frmMain::askAfterReadError(const QString &folder)
         m_prompts.ask({text, PromptButtons::RetryCancel, PromptIcon::Question, 2}) == PromptAnswer::Retry;
     setWaitCursor(true);
     return retry;
+}
+
+// Cancel on a folder that cannot be read lists again the folder shown
+// before, with the file it showed; false when there is none to go back to.
+bool frmMain::fallBackToPreviousFolder()
+{
+    const QString folder = m_previousFolder;
+    const QString failed = m_state.CurrentFolder;
+    m_previousFolder.clear();
+    if (folder.isEmpty() || folder == failed || !QFileInfo(folder).isReadable())
+        return false;
+    m_state.CurrentFolder.clear(); // so that the folder counts as changed
+    m_state.CurrentFileName = m_previousFileName;
+    m_fromHistory = true; // going back is not a new visit
+    m_state.BrowserReady = true;
+    if (StartupRules::withoutTrailingSlash(dir1Path()) == folder)
+        Dir1_Change();
+    else
+        setDir1Path(folder);
+    m_fromHistory = false;
+    return true;
 }
 
 // The drive check with its Retry/Cancel question; Cancel goes back to the

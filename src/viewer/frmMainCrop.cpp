@@ -250,7 +250,15 @@ void frmMain::mouseReleaseEvent(QMouseEvent *event)
     Clip_Punto_Fine(target, ZoomRules::clampToTarget(form - targetOrigin(target), targetSize(target)));
 }
 
-void frmMain::mouseDoubleClickEvent(QMouseEvent *) {}
+// A double-click on the window's background or its top frame (the frames
+// pass it on) opens the full-screen view; the status row is not background.
+void frmMain::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton || FraFondoBot->geometry().contains(event->position().toPoint()))
+        return;
+    if (!m_state.IndexLoading)
+        mnuFullScreen_Click();
+}
 
 // The right-button menu: the crop menu over a selection, else the file menu.
 void frmMain::showContextMenu(QPoint globalPosition)

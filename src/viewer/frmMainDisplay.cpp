@@ -41,8 +41,6 @@ QString typeIconName(MediaClass media)
 void frmMain::Mostra_Image(bool backward, const QString &name, bool nameIsFullPath, double startPosition)
 {
     ClearCropSelection();
-    ImgTyp->clear();
-    hideStatusLabels();
 
     if (name.isEmpty()) {
         // Backward stops at the first file; forward wraps only in a slideshow.
@@ -61,8 +59,14 @@ void frmMain::Mostra_Image(bool backward, const QString &name, bool nameIsFullPa
         m_state.CurrentIndex = index;
     }
 
+    // Only now that another file is coming: a move that stops keeps the row.
+    ImgTyp->clear();
+    hideStatusLabels();
     stopSlideTimer();
     clearDisplay();
+    // Slides and a vanished movie show nothing to measure.
+    LabPix->clear();
+    LabZoom->clear();
     setCommandButtonsEnabled(false);
     // The cleared window is painted only when something slow may follow: a
     // picture decoded ahead shows at once, without a blank frame before it.
@@ -109,9 +113,8 @@ void frmMain::Mostra_Image(bool backward, const QString &name, bool nameIsFullPa
     bool reachedButtons = true;
     if (media == MediaClass::Slides) {
         m_state.MainMovieLoaded = false;
-        m_slidesLaunchPid = 0;
         if (!m_state.SlideshowOn)
-            m_slidesLaunchPid = m_launcher.openWithDefault(path).processId;
+            noteLaunched(m_launcher.openWithDefault(path).started);
     } else if (isMovie) {
         m_state.MainMovieLoaded = true;
         if (QFileInfo::exists(path))
@@ -190,16 +193,9 @@ void frmMain::showMovie(const QString &path, double startPosition)
     else if (!m_state.KeepDisplay)
         m_savedMoviePosition = 0;
     MediaPlayer1->setCurrentPosition(m_savedMoviePosition);
-    if (MediaPlayer1->DisplaySize() != MoviePlayer::FullScreen) {
-        const double windowWidth = m_twips.fromPixelsX(width());
-        const double windowHeight = m_twips.fromPixelsY(height());
-        MediaPlayer1->setGeometry(m_twips.toPixels(0, ViewGeometry::DisplayTop, windowWidth - ViewGeometry::SideReserve,
-                                                   windowHeight - ViewGeometry::DisplayTop - ViewGeometry::BottomReserve));
-        Centra_Image(MediaPlayer1);
-    }
+    fitOrActualSizeMovie();
     MediaPlayer1->show();
     LabPix->clear();
-    LabZoom->setText(ViewRules::zoomLabel(100));
 }
 
 void frmMain::clearDisplay()

@@ -48,6 +48,7 @@ public:
     void recordChore(UndoRecord record) override { m_main.recordChore(std::move(record)); }
     bool canUndo() const override { return m_main.canUndo(); }
     void undo() override { m_main.mnuUndo_Click(); }
+    void switchLanguage() override { m_main.switchLanguage(); }
 
 private:
     frmMain &m_main;

@@ -99,8 +99,8 @@ void frmMain::wireIndexCommands(frmIndex *index)
         if (!picture.isNull())
             PictureOutput::putOnClipboard(picture);
     };
-    index->onSave = [this](const QString &path) {
-        saveCopyOf(path, m_state.messages.GetMsg(383, QStringLiteral("Select destination path for file copy")));
+    index->onSave = [this, index](const QString &path) {
+        saveCopyOf(path, m_state.messages.GetMsg(383, QStringLiteral("Select destination path for file copy")), index);
     };
     index->onPrint = [this, index](const QString &path) {
         stopSlideTimer();

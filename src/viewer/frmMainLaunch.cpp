@@ -62,7 +62,13 @@ void frmMain::mnuDirOpen_Click()
 void frmMain::mnuDirExpl_Click()
 {
     if (!m_dirPopupFolder.isEmpty())
-        ShellLaunch::explore(m_dirPopupFolder, m_launcher);
+        noteLaunched(ShellLaunch::explore(m_dirPopupFolder, m_launcher).started);
+}
+
+void frmMain::noteLaunched(bool started)
+{
+    if (started)
+        m_launchPause.launched();
 }
 
 void frmMain::cmdHelp_Click()
@@ -90,6 +96,7 @@ void frmMain::cmdLink_Click()
     if (m_state.CropSelectionActive)
         ClearCropSelection();
     TechLink link(m_state, FileAssociations::Places::standard(), [this] { cmdHelp_Click(); }, this);
+    m_linkDialog = &link;
     link.exec();
 }
 

@@ -1,9 +1,12 @@
 #include "viewer/frmMain.h"
 
 #include "core/AppState.h"
+#include "files/frmList.h"
+#include "index/frmIndex.h"
 #include "platform/MoviePlayer.h"
 #include "viewer/AnimationView.h"
 #include "viewer/PictureView.h"
+#include "viewer/ViewRules.h"
 #include "viewer/ZoomRules.h"
 
 #include <QCheckBox>
@@ -18,6 +21,8 @@
 #include <QScrollBar>
 #include <QToolButton>
 #include <QTreeView>
+
+#include <cmath>
 
 using namespace ViewGeometry;
 
@@ -70,6 +75,44 @@ void frmMain::resizeEvent(QResizeEvent *event)
     Form_Resize();
 }
 
+// The index, favourites and association windows go away with the
+// minimised main window and come back with it. The association dialog is
+// minimised, not hidden: hiding would end it.
+void frmMain::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::WindowStateChange)
+        return;
+    frmIndex *index = indexWindow();
+    if (isMinimized()) {
+        if (index && index->isVisible()) {
+            index->hide();
+            m_state.IndexHiddenWithMain = true;
+        }
+        if (m_favourites && m_favourites->isVisible()) {
+            m_favourites->hide();
+            m_favouritesHiddenWithMain = true;
+        }
+        if (m_linkDialog && m_linkDialog->isVisible())
+            m_linkDialog->showMinimized();
+        return;
+    }
+    if (m_state.IndexHiddenWithMain) {
+        m_state.IndexHiddenWithMain = false;
+        if (index && m_state.IndexShown && !m_state.FullScreenActive)
+            index->show();
+    }
+    if (m_favouritesHiddenWithMain) {
+        m_favouritesHiddenWithMain = false;
+        if (m_favourites)
+            m_favourites->show();
+    }
+    if (m_linkDialog && m_linkDialog->isMinimized()) {
+        m_linkDialog->showNormal();
+        m_linkDialog->raise();
+    }
+}
+
 void frmMain::Form_Resize()
 {
     if (isMinimized())
@@ -91,15 +134,19 @@ void frmMain::Form_Resize()
     const double areaWidth = windowWidth - SideReserve;
     const double areaHeight = windowHeight - DisplayTop - BottomReserve;
     WebBrowser1->setGeometry(m_twips.toPixels(0, DisplayTop, areaWidth, areaHeight));
-    if (m_state.MainMovieLoaded)
-        Centra_Image(MediaPlayer1);
     m_zoomPercent = 0; // a resize ends an explicit zoom
+    if (m_state.MainMovieLoaded && isVisible())
+        fitOrActualSizeMovie();
     if (!ImgEgg->isEmpty() && Option1[0]->isChecked()) {
-        // The resize fit keeps the status texts; they belong to the fit command.
         const QSizeF picture = pictureTwipsOf(ImgEgg->naturalSize());
         const double ratio = ZoomRules::resizeFitRatio(picture, windowTwips(), m_twips.fromPixelsY(ImgEgg->y()));
-        if (ratio > 0)
+        if (ratio > 0) {
             resizePicture(QSize(m_twips.toPixelsX(picture.width() * ratio), m_twips.toPixelsY(picture.height() * ratio)));
+            // The status row tells the size now on screen.
+            m_fitPercent = int(std::lround(ratio * 100));
+            updateSizeTexts();
+            LabZoom->setText(ViewRules::zoomLabel(int(m_fitPercent)));
+        }
     }
     Centra_Image(ImgEgg);
     fillPictureView();

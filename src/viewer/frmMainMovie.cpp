@@ -33,6 +33,10 @@ void frmMain::connectMovieHandlers()
     connect(MediaPlayer1, &MoviePlayer::mouseReleased, this, &frmMain::MediaPlayer1_MouseUp);
     connect(MediaPlayer1, &MoviePlayer::keyPressed, this, &frmMain::MediaPlayer1_KeyPress);
     connect(MediaPlayer1, &MoviePlayer::displaySizeChanged, this, &frmMain::MediaPlayer1_DisplaySizeChange);
+    connect(MediaPlayer1, &MoviePlayer::videoSizeKnown, this, [this] {
+        if (m_state.MainMovieLoaded && m_zoomPercent == 0)
+            fitOrActualSizeMovie();
+    });
 }
 
 frmFull *frmMain::fullView() const { return m_fullView; }
@@ -74,8 +78,15 @@ void frmMain::connectFullViewCommands(frmFull &view)
     view.onRemoveFromFavourites = [this] { mnuRemove_Click(); };
     view.onShellOpen = [this] { mnuShellOpen_Click(); };
     view.onShellEdit = [this] { mnuShellEdit_Click(); };
-    view.onPrint = [this] { cmdPrint_Click(); };
-    view.onSave = [this] { cmdSave_Click(); };
+    view.onPrint = [this, &view] {
+        if (!m_state.CurrentFileName.isEmpty())
+            printFromDialog([this] { return currentPicture(); }, &view);
+    };
+    view.onSave = [this, &view] {
+        if (!m_state.CurrentFileName.isEmpty())
+            saveCopyOf(m_state.currentPath(),
+                       m_state.messages.GetMsg(383, QStringLiteral("Select destination path for file copy")), &view);
+    };
     view.onSetWallpaper = [this] { mnuWall_Click(); };
     view.onRemoveWallpaper = [this] { mnuRemoveWall_Click(); };
 }

@@ -72,8 +72,7 @@ void frmMain::HScroll1_Change()
 
 void frmMain::TimerImage_Timer()
 {
-    // The slideshow waits while a program that Vimora launched is in front.
-    if (m_slidesLaunchPid && m_launcher.isRunning(m_slidesLaunchPid) && !QApplication::activeWindow())
+    if (m_launchPause.holdsSlideshow())
         return;
     if (m_state.listIsEmpty())
         return;
@@ -171,11 +170,8 @@ void frmMain::keyPressEvent(QKeyEvent *event)
         if (m_state.CurrentFolder.startsWith(typed, Qt::CaseInsensitive) && !m_state.CurrentFileName.isEmpty())
             Inserisci_URL(m_state.CurrentFolder);
     }
-    if (plain && key == Qt::Key_F2) {
-        ChooseLanguage(m_state, m_prompts);
-        ApplyLanguage();
-        fillTypeFilterList();
-    }
+    if (plain && key == Qt::Key_F2)
+        switchLanguage();
     if (plain && keypad && key == Qt::Key_Plus)
         cmdExpand_Click();
     if (plain && keypad && key == Qt::Key_Minus)

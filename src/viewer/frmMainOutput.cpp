@@ -2,6 +2,7 @@
 
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
+#include "files/CopyProgress.h"
 #include "files/FileOperations.h"
 #include "files/FilePaths.h"
 #include "output/OutputRules.h"
@@ -127,16 +128,17 @@ void frmMain::cmdSave_Click()
 {
     if (m_state.CurrentFileName.isEmpty())
         return;
-    saveCopyOf(m_state.currentPath(), m_state.messages.GetMsg(10109, QStringLiteral("Make a Copy of current file")));
+    saveCopyOf(m_state.currentPath(), m_state.messages.GetMsg(10109, QStringLiteral("Make a Copy of current file")),
+               this);
 }
 
 // The copy of a file through the dialog, by the file commands' copy, which
 // asks before it replaces anything.
-void frmMain::saveCopyOf(const QString &source, const QString &title)
+void frmMain::saveCopyOf(const QString &source, const QString &title, QWidget *asking)
 {
     stopSlideTimer();
     clsCommonDialog dialog;
-    dialog.setParent(this);
+    dialog.setParent(asking);
     dialog.CancelError = true;
     dialog.CallerAsksBeforeReplacing = true; // CopyThisFile does
     dialog.InitDir = m_state.SaveFolder;
@@ -154,7 +156,10 @@ void frmMain::saveCopyOf(const QString &source, const QString &title)
     const QString destination = dialog.FileName;
     if (QFileInfo(destination) != QFileInfo(source)) {
         setWaitCursor(true);
-        const FileContext context{m_prompts, m_state.messages, {}, {}};
+        FileContext context{m_prompts, m_state.messages, {}, {}};
+        context.copy.progress =
+            copyProgressWindow(asking, m_state.messages.GetMsg(20623, QStringLiteral("Copying ...")),
+                               m_state.messages.GetMsg(104, QStringLiteral("&Cancel")));
         if (CopyThisFile(source, destination, context).done()) {
             m_state.SaveFolder = QFileInfo(destination).path();
             if (OutputRules::sameFolder(m_state.SaveFolder, m_state.CurrentFolder))
@@ -369,7 +374,7 @@ QImage frmMain::currentPicture()
 }
 
 // The movie stays paused while the print dialog is open.
-void frmMain::printFromDialog(const std::function<QImage()> &picture)
+void frmMain::printFromDialog(const std::function<QImage()> &picture, QWidget *owner)
 {
     stopSlideTimer();
     QCoreApplication::processEvents();
@@ -379,7 +384,7 @@ void frmMain::printFromDialog(const std::function<QImage()> &picture)
     if (resume)
         MediaPlayer1->Pause();
     const QString slides = m_state.FileTypeCode == u"PPT" ? m_state.currentPath() : QString();
-    printPicture(this, picture, slides);
+    printPicture(owner, picture, slides);
     if (resume)
         MediaPlayer1->Play();
     endOutputCommand(true);
@@ -394,20 +399,24 @@ void frmMain::printPicture(QWidget *owner, const std::function<QImage()> &pictur
     if (result.outcome == PrintCommand::Outcome::Failed)
         m_prompts.ask({m_state.messages.GetMsg(20802, QStringLiteral("The picture could not be printed.")),
                        PromptButtons::Ok, PromptIcon::Critical});
+    if (result.outcome == PrintCommand::Outcome::NoSlidesProgram)
+        m_prompts.ask({m_state.messages.GetMsg(20805, QStringLiteral("The slides were not printed: LibreOffice, which "
+                                                                     "prints them, is not installed.")),
+                       PromptButtons::Ok, PromptIcon::Critical});
 }
 
 void frmMain::cmdPrint_Click()
 {
     if (m_state.CurrentFileName.isEmpty())
         return;
-    printFromDialog([this] { return currentPicture(); });
+    printFromDialog([this] { return currentPicture(); }, this);
 }
 
 void frmMain::mnuCropPrint_Click()
 {
     if (!m_state.CropSelectionActive)
         return;
-    printFromDialog([this] { return areaPicture(cropTarget()); });
+    printFromDialog([this] { return areaPicture(cropTarget()); }, this);
 }
 
 // ---------------------------------------------------------------- wallpaper

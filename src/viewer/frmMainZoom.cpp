@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QRadioButton>
 #include <QScreen>
+#include <QSignalBlocker>
 #include <QTimer>
 
 void frmMain::cmdExpand_Click()
@@ -42,8 +43,14 @@ void frmMain::ZoomTo(int percent)
             const ViewGeometry::Twips device = pictureTwips();
             const QSizeF naturalTwips(device.fromPixelsX(natural.width()), device.fromPixelsY(natural.height()));
             percent = ZoomRules::movieZoomPercent(percent, naturalTwips, windowTwips());
+            const int bar = MediaPlayer1->height() - MediaPlayer1->videoArea().height();
+            {
+                const QSignalBlocker quiet(MediaPlayer1);
+                MediaPlayer1->setDisplaySize(MoviePlayer::FitToControl);
+            }
             MediaPlayer1->resize(ViewGeometry::logicalSize(natural.width() * percent / 100.0,
-                                                           natural.height() * percent / 100.0, devicePixelRatioF()));
+                                                           natural.height() * percent / 100.0, devicePixelRatioF())
+                                 + QSize(0, bar));
             Centra_Image(MediaPlayer1);
         }
     } else if (!ImgEgg->naturalSize().isEmpty()) {
@@ -68,7 +75,7 @@ void frmMain::mnuFull_Click() { chooseViewMode(1); }
 void frmMain::chooseViewMode(int option)
 {
     if (m_state.MainMovieLoaded && m_state.FullScreenActive)
-        return; // the full-screen view is left by its own command
+        mnuFullScreen_Click(); // back from the player's full screen first
     if (Option1[option]->isChecked())
         Option1_Click(); // selecting it again still resets the zoom
     else
@@ -92,6 +99,10 @@ void frmMain::Option1_Click()
 // Fit or actual size, as the mode option says.
 void frmMain::fitOrActualSize()
 {
+    if (m_state.MainMovieLoaded) {
+        fitOrActualSizeMovie();
+        return;
+    }
     const QSize natural = ImgEgg->naturalSize();
     if (natural.isEmpty()) {
         LabPix->clear();
@@ -114,6 +125,32 @@ void frmMain::fitOrActualSize()
     LabZoom->setText(ViewRules::zoomLabel(percent));
     Centra_Image(ImgEgg);
     fillPictureView();
+}
+
+// A movie fills the display area scaled to fit, or shows at its own size
+// in the middle of it; the zoom label tells the scale it is drawn at.
+void frmMain::fitOrActualSizeMovie()
+{
+    if (MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen)
+        return;
+    const double windowWidth = m_twips.fromPixelsX(width());
+    const double windowHeight = m_twips.fromPixelsY(height());
+    MediaPlayer1->setGeometry(m_twips.toPixels(0, ViewGeometry::DisplayTop, windowWidth - ViewGeometry::SideReserve,
+                                               windowHeight - ViewGeometry::DisplayTop - ViewGeometry::BottomReserve));
+    Centra_Image(MediaPlayer1);
+    const bool fit = Option1[0]->isChecked();
+    {
+        const QSignalBlocker quiet(MediaPlayer1); // a windowed size: no way back from full screen to run
+        MediaPlayer1->setDisplaySize(fit ? MoviePlayer::FitToControl : MoviePlayer::NormalSize);
+    }
+    const QSize natural = MediaPlayer1->naturalSize();
+    if (natural.isEmpty()) {
+        LabZoom->clear(); // told once the video's size is known
+        return;
+    }
+    const QRect drawn = MoviePlayer::videoFrameRect(natural, MediaPlayer1->videoArea(), MediaPlayer1->DisplaySize());
+    LabZoom->setText(ViewRules::zoomLabel(int(std::lround(100.0 * drawn.width() / natural.width()))));
+    layoutStatusRow();
 }
 
 // The picture's tooltip and the size text of the status row.

@@ -5,6 +5,8 @@
 PromptAnswer ScriptedPrompts::ask(const PromptMessage &message)
 {
     asked.append(message);
+    if (beforeAnswer)
+        beforeAnswer(message);
     if (!answers.isEmpty())
         return answers.takeFirst();
     return message.buttons == PromptButtons::YesNo ? PromptAnswer::No

@@ -9,6 +9,8 @@
 #include <QPair>
 #include <QStringList>
 
+#include <functional>
+
 // Prompts that answer from a script and remember what they were asked.
 class ScriptedPrompts : public Prompts {
 public:
@@ -16,6 +18,7 @@ public:
     QStringList languages;         // answers of the language chooser
     QStringList folders;           // answers of the folder chooser
     QList<PromptMessage> asked;
+    std::function<void(const PromptMessage &)> beforeAnswer; // what happens while a question is up
     int languageQuestions = 0;
 
     // File dialogs: each answer is a path, "" to cancel, or AcceptProposed
