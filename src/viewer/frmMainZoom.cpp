@@ -48,9 +48,8 @@ void frmMain::ZoomTo(int percent)
                 const QSignalBlocker quiet(MediaPlayer1);
                 MediaPlayer1->setDisplaySize(MoviePlayer::FitToControl);
             }
-            MediaPlayer1->resize(ViewGeometry::logicalSize(natural.width() * percent / 100.0,
-                                                           natural.height() * percent / 100.0, devicePixelRatioF())
-                                 + QSize(0, bar));
+            const double scale = percent / 100.0 / devicePixelRatioF();
+            MediaPlayer1->resize(QSize(qRound(natural.width() * scale), qRound(natural.height() * scale)) + QSize(0, bar));
             Centra_Image(MediaPlayer1);
         }
     } else if (!ImgEgg->naturalSize().isEmpty()) {
