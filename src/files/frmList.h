@@ -16,6 +16,7 @@ class QLabel;
 class QListWidget;
 class QListWidgetItem;
 class QMenu;
+class CommandSet;
 class QPushButton;
 
 // What the favourites window needs of the main window.
@@ -75,6 +76,7 @@ public:
     QCheckBox *Check1;
     QPushButton *cmdSave, *cmdMove, *cmdDel, *cmdRemove, *cmdAll;
     QLabel *LabSel;
+    CommandSet *commands; // the popup, the buttons and Escape are made of these
     QMenu *SFPOPUP;
     QAction *mnuOpen, *mnuSave, *mnuMove, *mnuDelete, *mnuRename, *SFInfo, *mnuRemove, *mnuClear;
 
@@ -88,6 +90,7 @@ protected:
 
 private:
     void buildControls();
+    void buildCommands();
     void setSelectionButtons(bool on);
     void setListButtons(bool on);
     void updateSizeLabel();

@@ -1,5 +1,7 @@
 #include "viewer/frmMain.h"
 
+#include "commands/CommandSet.h"
+
 #include "core/AppState.h"
 #include "platform/MoviePlayer.h"
 #include "viewer/AnimationView.h"
@@ -262,12 +264,6 @@ void frmMain::showContextMenu(QPoint globalPosition)
         SFCrop->popup(globalPosition);
         return;
     }
-    const bool movie = m_state.MainMovieLoaded;
-    for (QAction *item : {mnuPlay, mnuStop, mnuSepp})
-        item->setVisible(movie);
-    const bool gif = m_state.FileTypeCode == u"GIF";
-    mnuAnim->setVisible(gif);
-    mnuSepGif->setVisible(gif);
-    mnuAnim->setChecked(chkAnim->isChecked());
+    offerCommands();
     SFPOPUP->popup(globalPosition);
 }
