@@ -5,6 +5,7 @@
 #include "system/TechLink.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QDialog>
 #include <QFile>
 #include <QFileSystemModel>
@@ -31,12 +32,19 @@ TEST(MainWindowLaunch, ShellOpenIsOfferedUnlessTheTypeIsLinked)
     frmMain &window = fixture.start();
     EXPECT_EQ(fixture.state->LinkedTypes, QSet<QString>({"JPG"}));
 
-    emit window.SFPOPUP->aboutToShow();
+    // The popup as the right button opens it.
+    const auto openPopup = [&] {
+        QTest::mousePress(window.ImgEgg, Qt::RightButton, {}, {5, 5}, QApplication::doubleClickInterval() + 10);
+        QTest::mouseRelease(window.ImgEgg, Qt::RightButton, {}, {5, 5});
+        ASSERT_TRUE(window.SFPOPUP->isVisible());
+        window.SFPOPUP->hide();
+    };
+    openPopup();
     EXPECT_FALSE(window.mnuShellOpen->isVisible());
     EXPECT_TRUE(window.mnuShellEdit->isVisible());
 
     window.cmdNext_Click();
-    emit window.SFPOPUP->aboutToShow();
+    openPopup();
     EXPECT_TRUE(window.mnuShellOpen->isVisible());
     EXPECT_TRUE(window.mnuShellOpen->isEnabled());
 

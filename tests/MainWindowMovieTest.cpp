@@ -92,14 +92,24 @@ TEST(MainWindowMovie, PlayPauseAndStopFromTheMenu)
     MovieWindow movies;
     frmMain &window = movies.window();
     ASSERT_TRUE(movies.showMovie());
+    // Each time through the popup, as a user reaches the entries.
+    const auto openPopup = [&] {
+        mouse(&movies.player(), QEvent::MouseButtonPress, Qt::RightButton, {30, 30}, &frmMain::MediaPlayer1_MouseDown,
+              window);
+        window.SFPOPUP->hide();
+    };
+    openPopup();
     window.mnuPlay->trigger();
     EXPECT_EQ(movies.player().PlayState(), MoviePlayer::Playing);
+    openPopup();
     EXPECT_TRUE(window.mnuStop->isEnabled());
     window.mnuPlay->trigger(); // the item toggles
     EXPECT_EQ(movies.player().PlayState(), MoviePlayer::Paused);
+    openPopup();
     window.mnuStop->trigger();
     EXPECT_EQ(movies.player().PlayState(), MoviePlayer::Stopped);
     EXPECT_EQ(movies.player().CurrentPosition(), 0);
+    openPopup();
     EXPECT_FALSE(window.mnuStop->isEnabled());
     EXPECT_TRUE(window.mnuPlay->isEnabled());
 }

@@ -1,5 +1,7 @@
 #include "files/frmList.h"
 
+#include "commands/CommandSet.h"
+#include "commands/WindowKeys.h"
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
 #include "core/FormTexts.h"
@@ -13,6 +15,7 @@
 #include "viewer/ViewGeometry.h"
 
 #include <QAction>
+#include <QAbstractButton>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QFileInfo>
@@ -80,24 +83,7 @@ void frmList::buildControls()
         grid->addWidget(buttons[size_t(i)], 2, i);
     resize(560, 360);
 
-    SFPOPUP = new QMenu(this);
-    SFPOPUP->setObjectName(QStringLiteral("SFPOPUP"));
-    auto action = [this](const char *name) {
-        QAction *made = SFPOPUP->addAction(QString());
-        made->setObjectName(QLatin1String(name));
-        return made;
-    };
-    mnuOpen = action("mnuOpen");
-    mnuSave = action("mnuSave");
-    mnuMove = action("mnuMove");
-    mnuDelete = action("mnuDelete");
-    mnuRename = action("mnuRename");
-    mnuUndo = action("mnuUndo");
-    SFInfo = action("SFInfo");
-    SFPOPUP->addSeparator();
-    mnuRemove = action("mnuRemove");
-    mnuClear = action("mnuClear");
-    SFPOPUP->setDefaultAction(mnuOpen);
+    buildCommands();
 
     connect(Check1, &QCheckBox::clicked, this, &frmList::Check1_Click);
     connect(ListImage, &QListWidget::itemClicked, this, &frmList::ListImage_Click);
@@ -110,21 +96,42 @@ void frmList::buildControls()
         if (ListClickIndex >= 0)
             SFPOPUP->popup(ListImage->viewport()->mapToGlobal(at));
     });
-    connect(cmdSave, &QPushButton::clicked, this, &frmList::cmdSave_Click);
-    connect(cmdMove, &QPushButton::clicked, this, &frmList::cmdMove_Click);
-    connect(cmdDel, &QPushButton::clicked, this, &frmList::cmdDel_Click);
-    connect(cmdRemove, &QPushButton::clicked, this, &frmList::cmdRemove_Click);
-    connect(cmdAll, &QPushButton::clicked, this, &frmList::cmdAll_Click);
-    connect(mnuOpen, &QAction::triggered, this, &frmList::mnuOpen_Click);
-    connect(mnuSave, &QAction::triggered, this, &frmList::mnuSave_Click);
-    connect(mnuMove, &QAction::triggered, this, &frmList::mnuMove_Click);
-    connect(mnuDelete, &QAction::triggered, this, &frmList::mnuDelete_Click);
-    connect(mnuRename, &QAction::triggered, this, &frmList::mnuRename_Click);
-    connect(mnuUndo, &QAction::triggered, this, [this] { m_host.undo(); });
-    connect(SFPOPUP, &QMenu::aboutToShow, this, [this] { mnuUndo->setEnabled(m_host.canUndo()); });
-    connect(SFInfo, &QAction::triggered, this, &frmList::SFInfo_Click);
-    connect(mnuRemove, &QAction::triggered, this, &frmList::cmdRemove_Click);
-    connect(mnuClear, &QAction::triggered, this, &frmList::cmdAll_Click);
+}
+
+void frmList::buildCommands()
+{
+    using C = Command;
+    commands = new CommandSet(this);
+    CommandSet &set = *commands;
+    SFPOPUP = set.buildMenu(Commands::favouritesPopup(), this, "SFPOPUP");
+    mnuOpen = set.wire(C::Open, this, &frmList::mnuOpen_Click);
+    mnuSave = set.wire(C::Save, this, &frmList::mnuSave_Click);
+    mnuMove = set.wire(C::Move, this, &frmList::mnuMove_Click);
+    mnuDelete = set.wire(C::ListDelete, this, &frmList::mnuDelete_Click);
+    mnuRename = set.wire(C::ListRename, this, &frmList::mnuRename_Click);
+    mnuUndo = set.wire(C::Undo, [this] { m_host.undo(); });
+    // The chores are the main window's: whether one is left is asked anew
+    // before the popup opens or a key runs.
+    set.beforeRun = [this] { mnuUndo->setEnabled(m_host.canUndo()); };
+    SFInfo = set.wire(C::Info, this, &frmList::SFInfo_Click);
+    mnuRemove = set.wire(C::Remove, this, &frmList::cmdRemove_Click);
+    mnuClear = set.wire(C::ListClear, this, &frmList::cmdAll_Click);
+    SFPOPUP->setDefaultAction(mnuOpen);
+    set.wire(C::ListCopySelected, this, &frmList::cmdSave_Click);
+    set.wire(C::ListMoveSelected, this, &frmList::cmdMove_Click);
+    set.wire(C::ListDeleteSelected, this, &frmList::cmdDel_Click);
+    set.wire(C::Close, [this] { hide(); });
+    set.wire(C::Language, [this] { m_host.switchLanguage(); });
+    const std::pair<QAbstractButton *, C> buttons[] = {
+        {cmdSave, C::ListCopySelected}, {cmdMove, C::ListMoveSelected}, {cmdDel, C::ListDeleteSelected},
+        {cmdRemove, C::Remove}, {cmdAll, C::ListClear},
+    };
+    for (const auto &[button, command] : buttons)
+        set.drive(button, command);
+    set.bindKeys(C::Close, {Qt::Key_Escape});
+    set.bindKeys(C::Language, {Qt::Key_F2});
+    set.bindKeys(C::Undo, {QKeySequence(Qt::ControlModifier | Qt::Key_Z)});
+    new WindowKeys(this, set);
 }
 
 void frmList::placeBesideMain()
@@ -455,15 +462,8 @@ void frmList::ApplyLanguage()
 
 void frmList::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape) {
-        hide();
-        return;
-    }
-    if (event->key() == Qt::Key_F2 && event->modifiers() == Qt::NoModifier) {
-        m_host.switchLanguage();
-        return;
-    }
-    QWidget::keyPressEvent(event);
+    if (!commands->runKey(event->key(), event->modifiers()))
+        QWidget::keyPressEvent(event);
 }
 
 void frmList::closeEvent(QCloseEvent *event)

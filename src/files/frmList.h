@@ -18,6 +18,7 @@ class QLabel;
 class QListWidget;
 class QListWidgetItem;
 class QMenu;
+class CommandSet;
 class QPushButton;
 
 // What the favourites window needs of the main window.
@@ -83,6 +84,7 @@ public:
     QCheckBox *Check1;
     QPushButton *cmdSave, *cmdMove, *cmdDel, *cmdRemove, *cmdAll;
     QLabel *LabSel;
+    CommandSet *commands; // the popup, the buttons and Escape are made of these
     QMenu *SFPOPUP;
     QAction *mnuOpen, *mnuSave, *mnuMove, *mnuDelete, *mnuRename, *mnuUndo, *SFInfo, *mnuRemove, *mnuClear;
 
@@ -96,6 +98,7 @@ protected:
 
 private:
     void buildControls();
+    void buildCommands();
     void setSelectionButtons(bool on);
     void setListButtons(bool on);
     void updateSizeLabel();

@@ -1,8 +1,10 @@
 #include "fullscreen/frmFull.h"
 
+#include "commands/CommandSet.h"
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
 #include "core/FormTexts.h"
+#include "core/MessageCatalogue.h"
 #include "fullscreen/FullViewRules.h"
 #include "platform/MoviePlayer.h"
 #include "platform/PictureLoaderWait.h"
@@ -51,69 +53,53 @@ frmFull::~frmFull() = default;
 
 void frmFull::buildMenu()
 {
-    auto action = [this](const char *name, const QString &text = {}) {
-        QAction *item = SFPOPUP->addAction(text);
-        item->setObjectName(QLatin1String(name));
-        return item;
+    using C = Command;
+    commands = new CommandSet(this);
+    CommandSet &set = *commands;
+    SFPOPUP = set.buildMenu(Commands::fullScreenPopup(), this, "SFPOPUP");
+    mnuZoom = SFPOPUP->findChild<QMenu *>(QStringLiteral("mnuZoom"));
+    const std::pair<QAction **, C> named[] = {
+        {&mnuPlay, C::Play}, {&mnuStop, C::Stop}, {&mnuSepp, C::SepPlay}, {&mnuAnim, C::Anim},
+        {&mnuSepGif, C::SepGif}, {&mnuNormal, C::Normal}, {&mnuAdd, C::Add}, {&mnuRemove, C::Remove},
+        {&mnuShellOpen, C::ShellOpen}, {&mnuShellEdit, C::ShellEdit}, {&mnuPrint, C::Print}, {&mnuSave, C::Save},
+        {&mnuWall, C::Wall}, {&mnuRemoveWall, C::RemoveWall}, {&mnufit, C::Fit}, {&mnuFull, C::Full},
     };
-    auto separator = [this](const char *name) {
-        QAction *item = SFPOPUP->addSeparator();
-        item->setObjectName(QLatin1String(name));
-        return item;
-    };
-    SFPOPUP = new QMenu(this);
-    SFPOPUP->setObjectName(QStringLiteral("SFPOPUP"));
-    mnuPlay = action("mnuPlay");
-    mnuStop = action("mnuStop");
-    mnuSepp = separator("mnuSepp");
-    mnuAnim = action("mnuAnim", QStringLiteral("GIF"));
-    mnuAnim->setCheckable(true);
-    mnuSepGif = separator("mnuSepGif");
-    mnuNormal = action("mnuNormal");
-    mnuZoom = SFPOPUP->addMenu(QStringLiteral("Zoom"));
-    mnuZoom->setObjectName(QStringLiteral("mnuZoom"));
-    static const int percents[] = {10, 25, 50, 75, 100, 125, 150, 175, 200, 300, 400, 800};
-    for (size_t i = 0; i < mnuZoomItems.size(); ++i) {
-        const int percent = percents[i];
-        mnuZoomItems[i] = mnuZoom->addAction(QString::number(percent) + QStringLiteral(" %"));
-        mnuZoomItems[i]->setObjectName(QStringLiteral("mnu") + QString::number(percent));
-        connect(mnuZoomItems[i], &QAction::triggered, this, [this, percent] {
-            closeThenRun([this, percent] { m_main.mnuZoom_Click(percent); });
-        });
-    }
-    mnufit = action("mnufit");
-    mnuFull = action("mnuFull");
-    separator("mnusep1");
-    mnuAdd = action("mnuAdd");
-    mnuRemove = action("mnuRemove");
-    separator("mnusep2");
-    mnuShellOpen = action("mnuShellOpen");
-    mnuShellEdit = action("mnuShellEdit");
-    mnuPrint = action("mnuPrint");
-    mnuSave = action("mnuSave");
-    separator("mnusep3");
-    mnuWall = action("mnuWall");
-    mnuRemoveWall = action("mnuRemoveWall");
+    for (const auto &[member, command] : named)
+        *member = set[command];
+    const QList<Command> zooms = Commands::zoomEntries();
+    for (size_t i = 0; i < mnuZoomItems.size(); ++i)
+        mnuZoomItems[i] = set[zooms[qsizetype(i)]];
 
-    connect(mnufit, &QAction::triggered, this, [this] { closeThenRun([this] { m_main.mnufit_Click(); }); });
-    connect(mnuFull, &QAction::triggered, this, [this] { closeThenRun([this] { m_main.mnuFull_Click(); }); });
-    connect(mnuNormal, &QAction::triggered, this, &QWidget::close);
-    connect(mnuPlay, &QAction::triggered, &m_main, &frmMain::mnuPlay_Click);
-    connect(mnuStop, &QAction::triggered, &m_main, &frmMain::mnuStop_Click);
-    connect(mnuAnim, &QAction::triggered, &m_main, &frmMain::mnuAnim_Click);
-    const std::pair<QAction *, std::function<void()> frmFull::*> hooked[] = {
-        {mnuAdd, &frmFull::onAddToFavourites}, {mnuRemove, &frmFull::onRemoveFromFavourites},
-        {mnuShellOpen, &frmFull::onShellOpen}, {mnuShellEdit, &frmFull::onShellEdit},
-        {mnuWall, &frmFull::onSetWallpaper},   {mnuRemoveWall, &frmFull::onRemoveWallpaper},
-    };
-    for (const auto &[item, hook] : hooked)
-        connect(item, &QAction::triggered, this, [this, hook] {
+    // The zoom entries are the main window's: this window goes first.
+    for (const Command zoom : zooms)
+        set.wire(zoom, [this, zoom] { closeThenRun([this, zoom] { m_main.mnuZoom_Click(Commands::zoomPercent(zoom)); }); });
+    set.wire(C::Fit, [this] { closeThenRun([this] { m_main.mnufit_Click(); }); });
+    set.wire(C::Full, [this] { closeThenRun([this] { m_main.mnuFull_Click(); }); });
+    set.wire(C::Normal, [this] { close(); });
+    set.wire(C::Play, &m_main, &frmMain::mnuPlay_Click);
+    set.wire(C::Stop, &m_main, &frmMain::mnuStop_Click);
+    set.wire(C::Anim, &m_main, &frmMain::mnuAnim_Click);
+    for (const auto &[command, hook] : hooks()) {
+        if (command == C::Print || command == C::Save)
+            continue;
+        set.wire(command, [this, hook] {
             if (this->*hook)
                 (this->*hook)();
         });
+    }
     // The dialogs of printing and saving must not meet a slideshow tick.
-    connect(mnuPrint, &QAction::triggered, this, [this] { runWithTimerStopped(onPrint); });
-    connect(mnuSave, &QAction::triggered, this, [this] { runWithTimerStopped(onSave); });
+    set.wire(C::Print, [this] { runWithTimerStopped(onPrint); });
+    set.wire(C::Save, [this] { runWithTimerStopped(onSave); });
+    set.wire(C::StepNext, [this] { showNeighbour(false); });
+    set.wire(C::StepBack, [this] { showNeighbour(true); });
+}
+
+QList<std::pair<Command, std::function<void()> frmFull::*>> frmFull::hooks()
+{
+    return {{Command::Add, &frmFull::onAddToFavourites},     {Command::Remove, &frmFull::onRemoveFromFavourites},
+            {Command::ShellOpen, &frmFull::onShellOpen},     {Command::ShellEdit, &frmFull::onShellEdit},
+            {Command::Wall, &frmFull::onSetWallpaper},       {Command::RemoveWall, &frmFull::onRemoveWallpaper},
+            {Command::Print, &frmFull::onPrint},             {Command::Save, &frmFull::onSave}};
 }
 
 void frmFull::Form_Load()
@@ -185,14 +171,17 @@ void frmFull::hidePresenters()
 void frmFull::Form_KeyDown(QKeyEvent *event)
 {
     using FullViewRules::KeyAction;
-    const KeyAction action = FullViewRules::keyAction(event->key());
-    if (action == KeyAction::Close) {
-        close();
-        return;
+    switch (FullViewRules::keyAction(event->key())) {
+    case KeyAction::Close: commands->action(Command::Normal)->trigger(); break;
+    case KeyAction::Previous: commands->action(Command::StepBack)->trigger(); break;
+    case KeyAction::Next: commands->action(Command::StepNext)->trigger(); break;
+    case KeyAction::None: break;
     }
-    if (action == KeyAction::None)
-        return;
-    m_main.Mostra_Image(action == KeyAction::Previous, QString());
+}
+
+void frmFull::showNeighbour(bool previous)
+{
+    m_main.Mostra_Image(previous, QString());
     if (!m_state.FullViewLoaded)
         return; // the window went with the file
     if (m_state.MainMovieLoaded)
@@ -204,7 +193,7 @@ void frmFull::Form_KeyDown(QKeyEvent *event)
 void frmFull::Form_MouseDown(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
-        showPopup(event->globalPosition().toPoint(), false);
+        showPopup(event->globalPosition().toPoint());
 }
 
 void frmFull::ImgEgg_MouseDown(QMouseEvent *event)
@@ -212,34 +201,25 @@ void frmFull::ImgEgg_MouseDown(QMouseEvent *event)
     // Only a still picture: an animation leaves the presses to the window.
     const bool animated = m_state.AnimateGifs && FileTypeCatalogue::mayAnimate(m_state.FileTypeCode);
     if (event->button() != Qt::LeftButton && !animated)
-        showPopup(event->globalPosition().toPoint(), true);
+        showPopup(event->globalPosition().toPoint());
 }
 
-void frmFull::showPopup(QPoint globalPosition, bool overPicture)
+void frmFull::showPopup(QPoint globalPosition)
 {
     m_main.TimerImage->stop();
     unsetCursor();
-    if (overPicture) {
-        mnuShellOpen->setEnabled(m_main.mnuShellOpen->isEnabled() && bool(onShellOpen));
-        mnuShellEdit->setEnabled(m_main.mnuShellEdit->isEnabled() && bool(onShellEdit));
-        const bool movie = m_state.MainMovieLoaded;
-        for (QAction *item : {mnuPlay, mnuStop, mnuSepp})
-            item->setVisible(movie);
-        mnuPlay->setEnabled(movie);
-        const int state = m_main.MediaPlayer1->PlayState();
-        mnuStop->setEnabled(movie && (state == MoviePlayer::Playing || state == MoviePlayer::Paused));
-    }
-    const bool gif = FileTypeCatalogue::mayAnimate(m_state.FileTypeCode);
-    mnuAnim->setVisible(gif);
-    mnuSepGif->setVisible(gif);
-    mnuAnim->setChecked(gif && m_state.AnimateGifs);
-    mnuAdd->setEnabled(bool(onAddToFavourites));
-    mnuRemove->setEnabled(bool(onRemoveFromFavourites));
-    mnuPrint->setEnabled(bool(onPrint));
-    mnuSave->setEnabled(bool(onSave));
-    mnuWall->setEnabled(bool(onSetWallpaper));
-    mnuRemoveWall->setEnabled(bool(onRemoveWallpaper));
-    SFPOPUP->setDefaultAction(mnuNormal);
+    const int playState = m_main.MediaPlayer1->PlayState();
+    CommandOffers::FullScreenFacts facts;
+    facts.state = CommandOffers::stateOfFile(m_state.MainMovieLoaded, false, FileTypeCatalogue::mayAnimate(m_state.FileTypeCode), false,
+                                             m_state.CurrentFileName.isEmpty());
+    facts.movieStoppable = playState == MoviePlayer::Playing || playState == MoviePlayer::Paused;
+    facts.animating = m_state.AnimateGifs;
+    facts.shellOpenEnabled = m_main.mnuShellOpen->isEnabled();
+    for (const auto &[command, hook] : hooks())
+        if (this->*hook)
+            facts.wired.append(command);
+    commands->apply(CommandOffers::fullScreen(facts), SFPOPUP,
+                    [this](int number, const char *text) { return m_state.messages.GetMsg(number, QLatin1String(text)); });
     SFPOPUP->popup(globalPosition);
 }
 

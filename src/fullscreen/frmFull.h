@@ -1,5 +1,8 @@
 #pragma once
 
+#include "commands/Commands.h"
+
+#include <QList>
 #include <QWidget>
 
 #include <array>
@@ -7,6 +10,7 @@
 
 struct AppState;
 class AnimationView;
+class CommandSet;
 class PictureView;
 class QAction;
 class QMenu;
@@ -32,6 +36,7 @@ public:
     void Form_MouseDown(QMouseEvent *event);
     void ImgEgg_MouseDown(QMouseEvent *event);
 
+    CommandSet *commands; // the popup and the keys are made of these
     PictureView *ImgEgg;
     AnimationView *WebBrowser1;
     QMenu *SFPOPUP;
@@ -59,7 +64,10 @@ protected:
 
 private:
     void buildMenu();
-    void showPopup(QPoint globalPosition, bool overPicture);
+    void showPopup(QPoint globalPosition);
+    void showNeighbour(bool previous); // pages through the main window's list
+    // The commands run through the main window's hooks.
+    static QList<std::pair<Command, std::function<void()> frmFull::*>> hooks();
     void closeThenRun(const std::function<void()> &command);
     void runWithTimerStopped(const std::function<void()> &command);
     void Form_Unload();

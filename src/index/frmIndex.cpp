@@ -1,5 +1,6 @@
 #include "index/frmIndex.h"
 
+#include "commands/CommandSet.h"
 #include "core/AppState.h"
 #include "core/FormTexts.h"
 #include "core/MessageCatalogue.h"
@@ -127,10 +128,6 @@ void frmIndex::buildControls()
     for (int cell = 0; cell < IndexRules::CellCount; ++cell)
         buildCell(cell);
 
-    connect(cmdBack, &QToolButton::clicked, this, &frmIndex::cmdBack_Click);
-    connect(cmdNext, &QToolButton::clicked, this, &frmIndex::cmdNext_Click);
-    connect(cmdRefr, &QToolButton::clicked, this, &frmIndex::cmdRefr_Click);
-    connect(cmdDir, &QToolButton::clicked, this, &frmIndex::cmdDir_Click);
     connect(cmdPlay, &QToolButton::clicked, this, &frmIndex::cmdPlay_Click);
     connect(cmdPause, &QToolButton::clicked, this, &frmIndex::cmdPause_Click);
     connect(cmdStop, &QToolButton::clicked, this, &frmIndex::cmdStop_Click);
@@ -205,7 +202,7 @@ void frmIndex::buildCell(int index)
         // A cell player answers only Alt+A and Alt+R, as the window does.
         const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
         if (modifiers == Qt::AltModifier && (event->key() == Qt::Key_A || event->key() == Qt::Key_R)
-            && handleKey(event->key(), modifiers))
+            && commands->runKey(event->key(), modifiers))
             event->accept();
     });
     resetCell(cell);
@@ -264,103 +261,33 @@ void frmIndex::ApplyLanguage()
                                           : QLatin1Char(' ') + m_pageFolder);
     FormTexts::ApplyCaptions(this, messages);
     FormTexts::ApplyTooltips(this, messages, m_state.ShowTooltips);
-    // The popup shares the main window's texts.
-    struct {
-        QAction *item;
-        int number;
-        const char *text;
-    } const items[] = {
-        {mnuOpen, 809, "Show"},          {mnuPlay, 701, "Play/Pause"},     {mnuStop, 702, "Stop"},
-        {mnuSave, 823, "Save as"},        {mnuPrint, 313, "Print"},         {mnuClipboard, 826, "Copy"},
-        {mnuWall, 827, "&Wallpaper"},     {mnuRemoveWall, 828, "Restore"},  {mnuMove, 831, "Move"},
-        {mnuAdd, 822, "Add to list"},     {mnuRemove, 819, "Remove from list"},
-        {mnuGlobal, 10111, "Global Operations"},
-        {SFRename, 811, "Rename"},        {SFDelete, 820, "&Delete"},       {mnuUndo, 20624, "Undo"},
-        {SFInfo, 821, "File info"},
-        {mnuShellOpen, 10134, "Shell Open"}, {mnuShellEdit, 10135, "Shell Edit"},
-    };
-    for (const auto &entry : items)
-        entry.item->setText(messages.GetMsg(entry.number, QLatin1String(entry.text)));
 }
 
 void frmIndex::buildMenu()
 {
-    auto action = [this](const char *name) {
-        QAction *item = SFPOPUP->addAction(QString());
-        item->setObjectName(QLatin1String(name));
-        return item;
+    using C = Command;
+    commands = new CommandSet(this);
+    CommandSet &set = *commands;
+    SFPOPUP = set.buildMenu(Commands::indexPopup(), this, "SFPOPUP");
+    const std::pair<QAction **, C> named[] = {
+        {&mnuOpen, C::Open}, {&mnuPlay, C::Play}, {&mnuStop, C::Stop}, {&mnuSepp, C::SepPlay},
+        {&mnuSave, C::Save}, {&mnuPrint, C::Print}, {&mnuClipboard, C::Clipboard}, {&mnuWall, C::Wall},
+        {&mnuRemoveWall, C::RemoveWall}, {&mnuMove, C::Move}, {&mnuAdd, C::Add}, {&mnuRemove, C::Remove},
+        {&mnuGlobal, C::Global}, {&SFRename, C::Rename}, {&SFDelete, C::Delete}, {&mnuUndo, C::Undo},
+        {&SFInfo, C::Info}, {&mnuShellOpen, C::ShellOpen}, {&mnuShellEdit, C::ShellEdit},
     };
-    SFPOPUP = named(new QMenu(this), QStringLiteral("SFPOPUP"));
-    mnuOpen = action("mnuOpen");
+    for (const auto &[member, command] : named)
+        *member = set[command];
     QFont bold = mnuOpen->font();
     bold.setBold(true);
     mnuOpen->setFont(bold);
-    mnuPlay = action("mnuPlay");
-    mnuStop = action("mnuStop");
-    mnuSepp = SFPOPUP->addSeparator();
-    mnuSave = action("mnuSave");
-    mnuPrint = action("mnuPrint");
-    mnuClipboard = action("mnuClipboard");
-    SFPOPUP->addSeparator();
-    mnuWall = action("mnuWall");
-    mnuRemoveWall = action("mnuRemoveWall");
-    mnuMove = action("mnuMove");
-    SFPOPUP->addSeparator();
-    mnuAdd = action("mnuAdd");
-    mnuRemove = action("mnuRemove");
-    mnuGlobal = action("mnuGlobal");
-    SFPOPUP->addSeparator();
-    SFRename = action("SFRename");
-    SFDelete = action("SFDelete");
-    mnuUndo = action("mnuUndo");
-    SFInfo = action("SFInfo");
-    mnuShellOpen = action("mnuShellOpen");
-    mnuShellEdit = action("mnuShellEdit");
-    SFPOPUP->setDefaultAction(mnuOpen);
-
-    auto call = [this](const PathHook &hook) {
-        if (hook && !SelectedFile.isEmpty())
-            hook(SelectedFile);
-    };
-    connect(mnuOpen, &QAction::triggered, this, &frmIndex::mnuOpen_Click);
-    connect(mnuPlay, &QAction::triggered, this, &frmIndex::mnuPlay_Click);
-    connect(mnuStop, &QAction::triggered, this, &frmIndex::mnuStop_Click);
-    connect(mnuAdd, &QAction::triggered, this, &frmIndex::mnuAdd_Click);
-    connect(mnuRemove, &QAction::triggered, this, &frmIndex::mnuRemove_Click);
-    connect(mnuMove, &QAction::triggered, this, &frmIndex::mnuMove_Click);
-    connect(mnuClipboard, &QAction::triggered, this, &frmIndex::mnuClipboard_Click);
-    connect(mnuWall, &QAction::triggered, this, &frmIndex::mnuWall_Click);
-    connect(mnuGlobal, &QAction::triggered, this, [this] { if (onGlobal) onGlobal(); });
-    connect(mnuRemoveWall, &QAction::triggered, this, [this] { if (onRemoveWallpaper) onRemoveWallpaper(); });
-    connect(mnuSave, &QAction::triggered, this, [this, call] { call(onSave); });
-    connect(mnuPrint, &QAction::triggered, this, [this, call] { call(onPrint); });
-    connect(mnuShellOpen, &QAction::triggered, this, [this, call] { call(onShellOpen); });
-    connect(mnuShellEdit, &QAction::triggered, this, [this, call] { call(onShellEdit); });
-    connect(SFRename, &QAction::triggered, this, [this, call] { call(onRename); });
-    connect(SFDelete, &QAction::triggered, this, [this, call] { call(onDelete); });
-    connect(SFInfo, &QAction::triggered, this, [this, call] { call(onInfo); });
-    connect(mnuUndo, &QAction::triggered, this, [this] { if (onUndo) onUndo(); });
-    connect(SFPOPUP, &QMenu::aboutToShow, this, [this] { mnuUndo->setEnabled(onUndo && canUndo && canUndo()); });
-    updateCommandStates();
+    wireCommands();
+    offerForSelection();
 }
 
 void frmIndex::updateCommandStates()
 {
-    mnuSave->setEnabled(bool(onSave));
-    mnuPrint->setEnabled(bool(onPrint));
-    mnuClipboard->setEnabled(bool(onClipboard));
-    mnuWall->setEnabled(bool(onWallpaper));
-    mnuRemoveWall->setEnabled(bool(onRemoveWallpaper));
-    mnuMove->setEnabled(bool(onMove));
-    mnuAdd->setEnabled(bool(onAddToFavourites));
-    mnuRemove->setEnabled(bool(onRemoveFromFavourites));
-    mnuGlobal->setEnabled(bool(onGlobal));
-    SFRename->setEnabled(bool(onRename));
-    SFDelete->setEnabled(bool(onDelete));
-    mnuUndo->setEnabled(onUndo && canUndo && canUndo());
-    SFInfo->setEnabled(bool(onInfo));
-    mnuShellOpen->setEnabled(bool(onShellOpen));
-    mnuShellEdit->setEnabled(bool(onShellEdit));
+    offerForSelection();
     cmdVol->setEnabled(cmdVol->isEnabled() && bool(onVolume));
 }
 
@@ -406,7 +333,7 @@ bool frmIndex::eventFilter(QObject *watched, QEvent *event)
 
 void frmIndex::keyPressEvent(QKeyEvent *event)
 {
-    if (handleKey(event->key(), event->modifiers() & ~Qt::KeypadModifier))
+    if (commands->runKey(event->key(), event->modifiers()))
         event->accept();
     else
         QWidget::keyPressEvent(event);

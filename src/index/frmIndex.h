@@ -22,6 +22,7 @@ class QScrollBar;
 class QTimer;
 class QToolButton;
 class ThumbnailDecoder;
+class CommandSet;
 class frmMain;
 
 // The thumbnail index: the main window's list as pages of 24 cells, where
@@ -58,6 +59,7 @@ public:
     QToolButton *cmdPlay, *cmdPause, *cmdStop, *cmdVol;
     QPushButton *cmdTrucco; // takes the focus after a cell button, so players never keep it
 
+    CommandSet *commands; // the popup, the buttons and the keys are made of these
     QMenu *SFPOPUP;
     QAction *mnuOpen, *mnuPlay, *mnuStop, *mnuSepp, *mnuSave, *mnuPrint, *mnuClipboard, *mnuWall, *mnuRemoveWall;
     QAction *mnuMove, *mnuAdd, *mnuRemove, *mnuGlobal, *SFRename, *SFDelete, *mnuUndo, *SFInfo, *mnuShellOpen, *mnuShellEdit;
@@ -152,7 +154,8 @@ private:
     void setGroupButtons(bool visible, bool enabled);
     void releaseAllPlayers();
     int cellOf(QObject *object) const;
-    bool handleKey(int key, Qt::KeyboardModifiers modifiers);
+    void wireCommands();
+    void offerForSelection(); // for the selected cell, before a popup or a key
     QRect toPixels(const QRectF &twips) const;
     QSize thumbnailBoxPixels() const;
 

@@ -2,7 +2,11 @@
 // window, the popup and the keyboard.
 #include "index/frmIndex.h"
 
+#include "commands/CommandSet.h"
+#include "commands/WindowKeys.h"
 #include "core/AppState.h"
+#include "core/LanguageChoice.h"
+#include "core/MessageCatalogue.h"
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
 #include "system/AssociationGroups.h"
@@ -25,24 +29,14 @@ void frmIndex::selectCell(int index)
     unsetCursor();
     SelectedCell = index;
     SelectedIsMovie = cell.movie;
-    const QString type = IndexRules::typeCodeOf(cell.path);
     if (cell.movie) {
         const QString held = cell.MediaPlayer1->FileName().trimmed();
         SelectedFile = held.isEmpty() ? cell.path : held;
-        const int state = cell.MediaPlayer1->PlayState();
-        mnuStop->setEnabled(state == MoviePlayer::Playing || state == MoviePlayer::Paused);
     } else {
         SelectedFile = cell.path;
         SelectedSizeText = IndexRules::detailOfTag(cell.tag);
     }
-    mnuPlay->setVisible(cell.movie);
-    mnuStop->setVisible(cell.movie);
-    mnuSepp->setVisible(cell.movie);
-    // Opening with "the associated program" would only come back here. The
-    // type is the extension as written, as the launch's own guard takes it.
-    mnuShellOpen->setVisible(!(isAssociatedType && isAssociatedType(AssociationGroups::typeTextOfPath(cell.path))));
-    mnuClipboard->setEnabled(bool(onClipboard) && type != u"ICO");
-    mnuWall->setEnabled(bool(onWallpaper) && !cell.movie);
+    offerForSelection();
 }
 
 void frmIndex::showPopup(int cell, QPoint globalPosition)
@@ -104,7 +98,6 @@ void frmIndex::mnuPlay_Click()
         cmdPauseSmall_Click(SelectedCell);
     else
         cmdPlaySmall_Click(SelectedCell);
-    mnuStop->setEnabled(true);
 }
 
 void frmIndex::mnuStop_Click()
@@ -112,7 +105,6 @@ void frmIndex::mnuStop_Click()
     if (SelectedCell < 0 || !SelectedIsMovie)
         return;
     cmdStopSmall_Click(SelectedCell);
-    mnuStop->setEnabled(false);
 }
 
 void frmIndex::mnuAdd_Click()
@@ -188,43 +180,103 @@ void frmIndex::releaseAllPlayers()
     }
 }
 
-bool frmIndex::handleKey(int key, Qt::KeyboardModifiers modifiers)
+void frmIndex::wireCommands()
 {
-    const bool plain = modifiers == Qt::NoModifier;
-    const bool alt = modifiers == Qt::AltModifier;
-    const bool ctrl = modifiers == Qt::ControlModifier;
-    auto trigger = [](QAction *item) {
-        if (item->isEnabled())
-            item->trigger();
+    using C = Command;
+    CommandSet &set = *commands;
+    set.wire(C::Open, this, &frmIndex::mnuOpen_Click);
+    set.wire(C::Play, this, &frmIndex::mnuPlay_Click);
+    set.wire(C::Stop, this, &frmIndex::mnuStop_Click);
+    set.wire(C::Add, this, &frmIndex::mnuAdd_Click);
+    set.wire(C::Remove, this, &frmIndex::mnuRemove_Click);
+    set.wire(C::Move, this, &frmIndex::mnuMove_Click);
+    set.wire(C::Clipboard, this, &frmIndex::mnuClipboard_Click);
+    set.wire(C::Wall, this, &frmIndex::mnuWall_Click);
+    set.wire(C::Global, [this] { if (onGlobal) onGlobal(); });
+    set.wire(C::RemoveWall, [this] { if (onRemoveWallpaper) onRemoveWallpaper(); });
+    // The rest run the main window's commands on the selected file.
+    const std::pair<C, PathHook frmIndex::*> onSelected[] = {
+        {C::Save, &frmIndex::onSave},           {C::Print, &frmIndex::onPrint},
+        {C::ShellOpen, &frmIndex::onShellOpen}, {C::ShellEdit, &frmIndex::onShellEdit},
+        {C::Rename, &frmIndex::onRename},       {C::Delete, &frmIndex::onDelete},
+        {C::Info, &frmIndex::onInfo},
     };
-    struct Binding {
-        bool when;
-        std::function<void()> run;
-    };
-    const Binding table[] = {
-        {plain && (key == Qt::Key_Up || key == Qt::Key_PageUp), [this] { m_main.Mostra_Image(true, QString()); }},
-        {plain && (key == Qt::Key_Down || key == Qt::Key_PageDown), [this] { m_main.Mostra_Image(false, QString()); }},
-        {alt && key == Qt::Key_A, [&] { trigger(mnuAdd); }},
-        {alt && key == Qt::Key_R, [&] { trigger(mnuRemove); }},
-        {alt && key == Qt::Key_G, [&] { trigger(mnuGlobal); }},
-        {plain && key == Qt::Key_F2, [this] { m_main.switchLanguage(); }},
-        {plain && key == Qt::Key_F5, [this] { cmdRefr_Click(); }},
-        {ctrl && key == Qt::Key_C, [&] { trigger(mnuClipboard); }},
-        {alt && key == Qt::Key_C, [&] { trigger(mnuSave); }},
-        {alt && key == Qt::Key_M, [&] { trigger(mnuMove); }},
-        {alt && key == Qt::Key_P, [&] { trigger(mnuPrint); }},
-        {(plain && key == Qt::Key_Delete) || (alt && key == Qt::Key_D), [&] { trigger(SFDelete); }},
-        {alt && (key == Qt::Key_S || key == Qt::Key_W), [&] { trigger(mnuWall); }},
-        {alt && (key == Qt::Key_E || key == Qt::Key_V), [&] { trigger(mnuRemoveWall); }},
-        {alt && key == Qt::Key_N, [&] { trigger(SFRename); }},
-        {alt && key == Qt::Key_I, [&] { trigger(SFInfo); }},
-        {ctrl && key == Qt::Key_Z, [this] { if (onUndo) onUndo(); }},
-    };
-    for (const Binding &binding : table) {
-        if (binding.when) {
-            binding.run();
-            return true;
-        }
+    for (const auto &[command, hook] : onSelected)
+        set.wire(command, [this, hook] {
+            if (this->*hook && !SelectedFile.isEmpty())
+                (this->*hook)(SelectedFile);
+        });
+    set.wire(C::Back, this, &frmIndex::cmdBack_Click);
+    set.wire(C::Next, this, &frmIndex::cmdNext_Click);
+    set.wire(C::Refresh, this, &frmIndex::cmdRefr_Click);
+    set.wire(C::DirExplore, this, &frmIndex::cmdDir_Click);
+    set.wire(C::StepBack, [this] { m_main.Mostra_Image(true, QString()); });
+    set.wire(C::StepNext, [this] { m_main.Mostra_Image(false, QString()); });
+    set.wire(C::Language, [this] { m_main.switchLanguage(); }); // every window follows
+    set.wire(C::Undo, [this] {
+        if (onUndo)
+            onUndo();
+    });
+    for (const auto &[button, command] : {std::pair{cmdBack, C::Back}, std::pair{cmdNext, C::Next},
+                                          std::pair{cmdRefr, C::Refresh}, std::pair{cmdDir, C::DirExplore}})
+        set.drive(button, command);
+
+    const auto alt = [](Qt::Key key) { return QKeySequence(Qt::AltModifier | key); };
+    set.bindKeys(C::StepBack, {Qt::Key_Up, Qt::Key_PageUp});
+    set.bindKeys(C::StepNext, {Qt::Key_Down, Qt::Key_PageDown});
+    set.bindKeys(C::Add, {alt(Qt::Key_A)});
+    set.bindKeys(C::Remove, {alt(Qt::Key_R)});
+    set.bindKeys(C::Global, {alt(Qt::Key_G)});
+    set.bindKeys(C::Language, {Qt::Key_F2});
+    set.bindKeys(C::Refresh, {Qt::Key_F5});
+    set.bindKeys(C::Clipboard, {QKeySequence(Qt::ControlModifier | Qt::Key_C)});
+    set.bindKeys(C::Save, {alt(Qt::Key_C)});
+    set.bindKeys(C::Move, {alt(Qt::Key_M)});
+    set.bindKeys(C::Print, {alt(Qt::Key_P)});
+    set.bindKeys(C::Delete, {Qt::Key_Delete, alt(Qt::Key_D)});
+    set.bindKeys(C::Wall, {alt(Qt::Key_S), alt(Qt::Key_W)});
+    set.bindKeys(C::RemoveWall, {alt(Qt::Key_E), alt(Qt::Key_V)});
+    set.bindKeys(C::Rename, {alt(Qt::Key_N)});
+    set.bindKeys(C::Info, {alt(Qt::Key_I)});
+    set.bindKeys(C::Undo, {QKeySequence(Qt::ControlModifier | Qt::Key_Z)});
+    set.beforeRun = [this] { offerForSelection(); };
+    // A cell's player keeps its own keys (only Alt+A and Alt+R reach the
+    // window from there); from any other control the table's keys go to
+    // the window.
+    new WindowKeys(this, set, [](QWidget *control, const QKeyEvent &) {
+        for (QWidget *at = control; at; at = at->parentWidget())
+            if (qobject_cast<MoviePlayer *>(at))
+                return true;
+        return false;
+    });
+}
+
+void frmIndex::offerForSelection()
+{
+    using C = Command;
+    CommandOffers::IndexFacts facts;
+    const bool chosen = SelectedCell >= 0 && SelectedCell < IndexRules::CellCount && !cells[SelectedCell].path.isEmpty();
+    if (chosen) {
+        const Cell &cell = cells[SelectedCell];
+        const int state = cell.MediaPlayer1->PlayState();
+        facts.state = cell.movie ? CommandOffers::ViewState::MovieWindowed : CommandOffers::ViewState::Picture;
+        facts.movieStoppable = cell.movie && (state == MoviePlayer::Playing || state == MoviePlayer::Paused);
+        facts.icon = IndexRules::typeCodeOf(cell.path) == u"ICO";
+        // Opening with "the associated program" would only come back here. The
+        // type is the extension as written, as the launch's own guard takes it.
+        facts.typeLinkedToVimora = isAssociatedType && isAssociatedType(AssociationGroups::typeTextOfPath(cell.path));
     }
-    return false;
+    const std::pair<C, bool> hooks[] = {
+        {C::Save, bool(onSave)},         {C::Print, bool(onPrint)},       {C::Clipboard, bool(onClipboard)},
+        {C::Wall, bool(onWallpaper)},    {C::RemoveWall, bool(onRemoveWallpaper)}, {C::Move, bool(onMove)},
+        {C::Add, bool(onAddToFavourites)}, {C::Remove, bool(onRemoveFromFavourites)}, {C::Global, bool(onGlobal)},
+        {C::Rename, bool(onRename)},     {C::Delete, bool(onDelete)},     {C::Info, bool(onInfo)},
+        {C::ShellOpen, bool(onShellOpen)}, {C::ShellEdit, bool(onShellEdit)}, {C::Undo, bool(onUndo)},
+    };
+    for (const auto &[command, wired] : hooks)
+        if (wired)
+            facts.wired.append(command);
+    facts.undoAvailable = canUndo && canUndo();
+    commands->apply(CommandOffers::index(facts), SFPOPUP,
+                    [this](int number, const char *text) { return m_state.messages.GetMsg(number, QLatin1String(text)); });
 }

@@ -2,36 +2,52 @@
 
 namespace MainKeyTable {
 
+QList<Row> rows()
+{
+    using C = Command;
+    const auto alt = [](Qt::Key key) { return QKeySequence(Qt::AltModifier | key); };
+    const auto ctrl = [](Qt::Key key) { return QKeySequence(Qt::ControlModifier | key); };
+    return {
+        {C::CancelSelection, {Qt::Key_Escape, QKeySequence(Qt::ShiftModifier | Qt::Key_Escape)}},
+        {C::StepBack, {Qt::Key_Up, Qt::Key_PageUp}},
+        {C::StepNext, {Qt::Key_Down, Qt::Key_PageDown}},
+        {C::SpaceKey, {Qt::Key_Space}},
+        {C::EnterKey, {Qt::Key_Return, Qt::Key_Enter}},
+        {C::Language, {Qt::Key_F2}},
+        {C::FocusPathBox, {Qt::Key_F4}},
+        {C::Refresh, {Qt::Key_F5}},
+        {C::Crop, {Qt::Key_F6}},
+        {C::ZoomIn, {QKeySequence(Qt::KeypadModifier | Qt::Key_Plus)}},
+        {C::ZoomOut, {QKeySequence(Qt::KeypadModifier | Qt::Key_Minus)}},
+        {C::Full, {alt(Qt::Key_L)}},
+        {C::Fit, {alt(Qt::Key_F)}},
+        {C::About, {alt(Qt::Key_O)}},
+        {C::Index, {alt(Qt::Key_T)}},
+        {C::Grab, {Qt::Key_F8, ctrl(Qt::Key_A)}},
+        {C::Clipboard, {ctrl(Qt::Key_C)}},
+        {C::Save, {alt(Qt::Key_C)}},
+        {C::Print, {alt(Qt::Key_P)}},
+        {C::Wall, {alt(Qt::Key_W), alt(Qt::Key_S)}},
+        {C::RemoveWall, {alt(Qt::Key_E), alt(Qt::Key_V)}},
+        {C::Delete, {Qt::Key_Delete, alt(Qt::Key_D)}},
+        {C::Undo, {ctrl(Qt::Key_Z)}},
+        {C::Add, {alt(Qt::Key_A)}},
+        {C::Remove, {alt(Qt::Key_R)}},
+        {C::Global, {alt(Qt::Key_G)}},
+        {C::Move, {alt(Qt::Key_M)}},
+        {C::Rename, {alt(Qt::Key_N)}},
+        {C::Info, {alt(Qt::Key_I)}},
+    };
+}
+
 bool hasRow(int key, Qt::KeyboardModifiers modifiers)
 {
-    const bool keypad = modifiers & Qt::KeypadModifier;
-    const Qt::KeyboardModifiers exact = modifiers & ~Qt::KeypadModifier;
-    if (key == Qt::Key_Escape)
-        return true;
-    if (exact == Qt::NoModifier) {
-        switch (key) {
-        case Qt::Key_Up: case Qt::Key_PageUp: case Qt::Key_Down: case Qt::Key_PageDown:
-        case Qt::Key_Space: case Qt::Key_Return: case Qt::Key_Enter: case Qt::Key_Delete:
-        case Qt::Key_F2: case Qt::Key_F4: case Qt::Key_F5: case Qt::Key_F6: case Qt::Key_F8:
-            return true;
-        case Qt::Key_Plus: case Qt::Key_Minus:
-            return keypad;
-        default:
-            return false;
-        }
-    }
-    if (exact == Qt::ControlModifier)
-        return key == Qt::Key_A || key == Qt::Key_C || key == Qt::Key_Z;
-    if (exact == Qt::AltModifier) {
-        switch (key) {
-        case Qt::Key_A: case Qt::Key_C: case Qt::Key_D: case Qt::Key_E: case Qt::Key_F: case Qt::Key_G:
-        case Qt::Key_I: case Qt::Key_L: case Qt::Key_M: case Qt::Key_N: case Qt::Key_O: case Qt::Key_P:
-        case Qt::Key_R: case Qt::Key_S: case Qt::Key_T: case Qt::Key_V: case Qt::Key_W:
-            return true;
-        default:
-            return false;
-        }
-    }
+    const QKeyCombination exact(modifiers, Qt::Key(key));
+    const QKeyCombination plain(modifiers & ~Qt::KeypadModifier, Qt::Key(key));
+    for (const Row &row : rows())
+        for (const QKeySequence &bound : row.keys)
+            if (bound[0] == exact || bound[0] == plain)
+                return true;
     return false;
 }
 

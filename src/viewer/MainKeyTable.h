@@ -1,12 +1,21 @@
 #pragma once
 
+#include "commands/Commands.h"
+
+#include <QKeySequence>
+#include <QList>
 #include <QString>
 #include <Qt>
 
-// Which keys the main window takes before its controls: the rows of its
-// key table, wherever the focus is, except what a text field being edited
-// keeps for itself.
+// The main window's key table: which command each key runs, wherever the
+// focus is in the window, except what a text field being edited keeps.
 namespace MainKeyTable {
+
+struct Row {
+    Command command;
+    QList<QKeySequence> keys;
+};
+QList<Row> rows();
 
 // Whether the table has a row for key with exactly these modifiers
 // (the keypad flag aside, except for the keypad's + and -).

@@ -192,72 +192,9 @@ void frmMain::buildControls()
     layoutFrame1();
 }
 
-void frmMain::buildMenus()
-{
-    auto action = [this](QMenu *menu, const char *name, const QString &text = {}) {
-        QAction *item = menu->addAction(text);
-        item->setObjectName(QLatin1String(name));
-        return item;
-    };
-    auto separator = [](QMenu *menu, const char *name) {
-        QAction *item = menu->addSeparator();
-        item->setObjectName(QLatin1String(name));
-        return item;
-    };
-
-    SFPOPUP = named(new QMenu(this), "SFPOPUP");
-    mnuPlay = action(SFPOPUP, "mnuPlay");
-    mnuStop = action(SFPOPUP, "mnuStop");
-    mnuSepp = separator(SFPOPUP, "mnuSepp");
-    mnuAnim = action(SFPOPUP, "mnuAnim", QStringLiteral("GIF"));
-    mnuAnim->setCheckable(true);
-    mnuSepGif = separator(SFPOPUP, "mnuSepGif");
-    mnuFullScreen = action(SFPOPUP, "mnuFullScreen");
-    mnuSave = action(SFPOPUP, "mnuSave");
-    mnuPrint = action(SFPOPUP, "mnuPrint");
-    mnuClipboard = action(SFPOPUP, "mnuClipboard");
-    mnuGrab = action(SFPOPUP, "mnuGrab");
-    mnusepX = separator(SFPOPUP, "mnusepX");
-    mnuWall = action(SFPOPUP, "mnuWall");
-    mnuRemoveWall = action(SFPOPUP, "mnuRemoveWall");
-    mnuMove = action(SFPOPUP, "mnuMove");
-    mnusep = separator(SFPOPUP, "mnusep");
-    mnuAdd = action(SFPOPUP, "mnuAdd");
-    mnuRemove = action(SFPOPUP, "mnuRemove");
-    mnuGlobal = action(SFPOPUP, "mnuGlobal");
-    mnusep99 = separator(SFPOPUP, "mnusep99");
-    SFRename = action(SFPOPUP, "SFRename");
-    SFDelete = action(SFPOPUP, "SFDelete");
-    mnuUndo = action(SFPOPUP, "mnuUndo");
-    SFInfo = action(SFPOPUP, "SFInfo");
-    mnuShellOpen = action(SFPOPUP, "mnuShellOpen");
-    mnuShellEdit = action(SFPOPUP, "mnuShellEdit");
-    mnusepw = separator(SFPOPUP, "mnusepw");
-    mnufit = action(SFPOPUP, "mnufit");
-    mnuFull = action(SFPOPUP, "mnuFull");
-    mnuZoom = named(SFPOPUP->addMenu(QStringLiteral("Zoom")), "mnuZoom");
-    static const int percents[] = {10, 25, 50, 75, 100, 125, 150, 175, 200, 300, 400, 800};
-    for (size_t i = 0; i < mnuZoomItems.size(); ++i) {
-        mnuZoomItems[i] = mnuZoom->addAction(QString::number(percents[i]) + QStringLiteral(" %"));
-        mnuZoomItems[i]->setObjectName(QStringLiteral("mnu") + QString::number(percents[i]));
-        mnuZoomItems[i]->setData(percents[i]);
-    }
-
-    SFCrop = named(new QMenu(this), "SFCrop");
-    mnuCropSave = action(SFCrop, "mnuCropSave");
-    mnuCropClip = action(SFCrop, "mnuCropClip");
-    mnuCropPrint = action(SFCrop, "mnuCropPrint");
-
-    DIRPOPUP = named(new QMenu(this), "DIRPOPUP");
-    mnuDirOpen = action(DIRPOPUP, "mnuDirOpen");
-    mnuDirExpl = action(DIRPOPUP, "mnuDirExpl");
-}
-
 void frmMain::connectHandlers()
 {
     connectIndex();
-    connect(cmdNext, &QToolButton::clicked, this, &frmMain::cmdNext_Click);
-    connect(cmdBack, &QToolButton::clicked, this, &frmMain::cmdBack_Click);
     connect(ChkCicle, &QCheckBox::toggled, this, &frmMain::ChkCicle_Click);
     connect(ChkAuto, &QCheckBox::toggled, this, &frmMain::ChkAuto_Click);
     connect(HScroll1, &QScrollBar::valueChanged, this, &frmMain::HScroll1_Change);
@@ -272,24 +209,16 @@ void frmMain::connectHandlers()
     });
     connect(CboURL, &QComboBox::activated, this, [this] { CboURL_Click(); });
     connect(CboURL, &QComboBox::editTextChanged, this, [this] { CboURL_Change(); });
-    connect(cmdRitaglia, &QToolButton::clicked, this, &frmMain::cmdRitaglia_Click);
     connect(ImgEgg, &PictureView::pressed, this, &frmMain::ImgEgg_MouseDown);
     connect(ImgEgg, &PictureView::moved, this, &frmMain::ImgEgg_MouseMove);
     connect(ImgEgg, &PictureView::released, this, &frmMain::ImgEgg_MouseUp);
     connect(ImgEgg, &PictureView::partNeeded, this, &frmMain::fillPictureView);
-    connect(cmdExpand, &QToolButton::clicked, this, &frmMain::cmdExpand_Click);
-    connect(cmdReduce, &QToolButton::clicked, this, &frmMain::cmdReduce_Click);
-    for (QAction *item : mnuZoomItems)
-        connect(item, &QAction::triggered, this, [this, item] { mnuZoom_Click(item->data().toInt()); });
-    connect(mnufit, &QAction::triggered, this, &frmMain::mnufit_Click);
-    connect(mnuFull, &QAction::triggered, this, &frmMain::mnuFull_Click);
     for (QRadioButton *option : Option1)
         connect(option, &QRadioButton::toggled, this, [this](bool checked) {
             if (checked)
                 Option1_Click();
         });
 
-    qApp->installEventFilter(this); // the key table, wherever the focus is
     connect(qApp, &QGuiApplication::applicationStateChanged, this,
             [this](Qt::ApplicationState state) { m_launchPause.applicationStateChanged(state); });
     CboURL->view()->installEventFilter(this); // opening the history list
@@ -298,28 +227,14 @@ void frmMain::connectHandlers()
     Frame1->installEventFilter(this);
     FraFondoTop->installEventFilter(this);
 
-    connect(cmdUp, &QToolButton::clicked, this, &frmMain::cmdUp_Click);
-    connect(cmdRefr, &QToolButton::clicked, this, &frmMain::cmdRefr_Click);
-    connect(cmdClear, &QToolButton::clicked, this, &frmMain::cmdClear_Click);
     connectOutputHandlers();
     connectFileCommands();
     connectMovieHandlers();
+    wireCommands();
 }
 
 bool frmMain::eventFilter(QObject *watched, QEvent *event)
 {
-    // The window receives keys before its controls: the drive list, the
-    // folder tree, a button or the player never see a key of the table.
-    if ((event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride) && watched != this) {
-        auto *control = qobject_cast<QWidget *>(watched);
-        auto *key = static_cast<QKeyEvent *>(event);
-        if (control && control->window() == this && takesKeyFrom(control, *key)) {
-            event->accept(); // for ShortcutOverride: no mnemonic takes it either
-            if (event->type() == QEvent::KeyPress)
-                keyPressEvent(key);
-            return true;
-        }
-    }
     // Opening the path history stops the slideshow and any thumbnail load,
     // so the list does not change under the user's pointer.
     if (watched == CboURL->view() && event->type() == QEvent::Show) {

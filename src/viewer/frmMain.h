@@ -1,5 +1,6 @@
 #pragma once
 
+#include "commands/CommandOffers.h"
 #include "files/FileUndo.h"
 #include "platform/Drives.h"
 #include "viewer/LaunchPause.h"
@@ -28,6 +29,7 @@ class clsCommonDialog;
 class VolumeControl;
 class PicturePrefetch;
 class FolderWatch;
+class CommandSet;
 namespace PictureLoader {
 struct Picture;
 }
@@ -124,7 +126,8 @@ public:
 
     QTimer *TimerImage;
 
-    // Menus.
+    // The window's commands, and the popups made of them.
+    CommandSet *commands;
     QMenu *SFPOPUP;
     QMenu *SFCrop;
     QMenu *DIRPOPUP;
@@ -272,6 +275,13 @@ protected:
 private:
     void buildControls();
     void buildMenus();
+    void wireCommands();
+    // Offers each command for the file in hand: before a popup, a key or
+    // a button runs, and when a file is shown.
+    void offerCommands();
+    CommandOffers::MainFacts mainFacts() const;
+    void playPauseOrNext(); // Space
+    void openTypedPath();   // Enter
     void connectHandlers();
     void layoutFrame1();
     void Form_Resize();
@@ -289,9 +299,6 @@ private:
     // Next and previous by key: presses that come faster than pictures show
     // are taken together as one move, so a held key never builds a backlog.
     void stepThroughList(bool backward);
-    // Whether a key pressed on one of this window's controls is the
-    // window's, by its key table, rather than the control's.
-    bool takesKeyFrom(QWidget *control, const QKeyEvent &key) const;
     void showPendingSteps();
     bool driveReady(const QString &folder);
     bool askAfterReadError(const QString &folder);
@@ -331,7 +338,6 @@ private:
         int displaySize = 0;
     };
     void connectOutputHandlers();
-    void outputKeyPress(int key, Qt::KeyboardModifiers modifiers);
     MovieFrameHold holdMovieFrame();
     QImage heldMovieFrame();
     void releaseMovieFrame(const MovieFrameHold &hold);
@@ -343,7 +349,6 @@ private:
     void reloadAfterWrite(const QString &path);
     void endOutputCommand(bool grabToo);
     void connectFileCommands();
-    void fileKeyPress(int key, Qt::KeyboardModifiers modifiers);
     void SaveFavourites();
     QString nameShownAfterRemoving() const;
     friend class MainFavouritesHost;

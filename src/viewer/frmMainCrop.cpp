@@ -1,5 +1,7 @@
 #include "viewer/frmMain.h"
 
+#include "commands/CommandSet.h"
+
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
 #include "platform/MoviePlayer.h"
@@ -271,12 +273,6 @@ void frmMain::showContextMenu(QPoint globalPosition)
         SFCrop->popup(globalPosition);
         return;
     }
-    const bool movie = m_state.MainMovieLoaded;
-    for (QAction *item : {mnuPlay, mnuStop, mnuSepp})
-        item->setVisible(movie);
-    const bool gif = FileTypeCatalogue::mayAnimate(m_state.FileTypeCode);
-    mnuAnim->setVisible(gif);
-    mnuSepGif->setVisible(gif);
-    mnuAnim->setChecked(chkAnim->isChecked());
+    offerCommands();
     SFPOPUP->popup(globalPosition);
 }

@@ -67,17 +67,6 @@ FileContext contextFor(QWidget *window, Prompts &prompts, const MessageCatalogue
 
 void frmMain::connectFileCommands()
 {
-    connect(cmdAdd, &QToolButton::clicked, this, &frmMain::cmdAdd_Click);
-    connect(cmdList, &QToolButton::clicked, this, &frmMain::cmdList_Click);
-    connect(mnuAdd, &QAction::triggered, this, &frmMain::mnuAdd_Click);
-    connect(mnuGlobal, &QAction::triggered, this, &frmMain::mnuGlobal_Click);
-    connect(mnuRemove, &QAction::triggered, this, &frmMain::mnuRemove_Click);
-    connect(mnuMove, &QAction::triggered, this, &frmMain::mnuMove_Click);
-    connect(SFRename, &QAction::triggered, this, &frmMain::SFRename_Click);
-    connect(SFDelete, &QAction::triggered, this, &frmMain::SFDelete_Click);
-    connect(SFInfo, &QAction::triggered, this, &frmMain::SFInfo_Click);
-    connect(mnuUndo, &QAction::triggered, this, &frmMain::mnuUndo_Click);
-    connect(SFPOPUP, &QMenu::aboutToShow, this, [this] { mnuUndo->setEnabled(canUndo()); });
     m_renameBox = [this](const QRect &where, const QString &name) {
         return AskNewName(this, where, name, m_state.messages);
     };
@@ -246,26 +235,6 @@ void frmMain::deleteFileAt(const QString &path)
     }
     QCoreApplication::processEvents();
     restartSlideTimerIfOn();
-}
-
-void frmMain::fileKeyPress(int key, Qt::KeyboardModifiers modifiers)
-{
-    const bool alt = modifiers == Qt::AltModifier;
-    if ((modifiers == Qt::NoModifier && key == Qt::Key_Delete) || (alt && key == Qt::Key_D))
-        SFDelete_Click();
-    if (modifiers == Qt::ControlModifier && key == Qt::Key_Z)
-        mnuUndo_Click();
-    if (!alt)
-        return;
-    switch (key) {
-    case Qt::Key_A: cmdAdd_Click(); break;
-    case Qt::Key_R: mnuRemove_Click(); break;
-    case Qt::Key_G: mnuGlobal_Click(); break;
-    case Qt::Key_M: mnuMove_Click(); break;
-    case Qt::Key_N: SFRename_Click(); break;
-    case Qt::Key_I: SFInfo_Click(); break;
-    default: break;
-    }
 }
 
 void frmMain::SFInfo_Click()

@@ -9,7 +9,6 @@
 
 void frmMain::connectIndex()
 {
-    connect(cmdIndex, &QToolButton::clicked, this, &frmMain::cmdIndex_Click);
     connect(this, &frmMain::indexWindowCreated, this, &frmMain::wireIndexCommands);
     connect(this, &frmMain::listLoaded, this, [this] {
         if (m_index)

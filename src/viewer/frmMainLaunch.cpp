@@ -3,6 +3,8 @@
 // association dialog.
 #include "viewer/frmMain.h"
 
+#include "commands/CommandSet.h"
+
 #include "core/AppState.h"
 #include "files/HelpWindow.h"
 #include "files/ShellLaunch.h"
@@ -20,16 +22,6 @@
 
 void frmMain::connectLaunchHandlers()
 {
-    connect(cmdHelp, &QToolButton::clicked, this, &frmMain::cmdHelp_Click);
-    connect(cmdAbout, &QPushButton::clicked, this, &frmMain::cmdAbout_Click);
-    connect(cmdLink, &QToolButton::clicked, this, &frmMain::cmdLink_Click);
-    connect(mnuShellOpen, &QAction::triggered, this, &frmMain::mnuShellOpen_Click);
-    connect(mnuShellEdit, &QAction::triggered, this, &frmMain::mnuShellEdit_Click);
-    connect(mnuDirOpen, &QAction::triggered, this, &frmMain::mnuDirOpen_Click);
-    connect(mnuDirExpl, &QAction::triggered, this, &frmMain::mnuDirExpl_Click);
-    connect(SFPOPUP, &QMenu::aboutToShow, this, [this] {
-        mnuShellOpen->setVisible(AssociationGroups::shellOpenAvailable(m_state.FileTypeCode, m_state.LinkedTypes));
-    });
     // The pop-up acts on the entry it was opened over, not on the browsed folder.
     connect(Dir1, &QTreeView::customContextMenuRequested, this, [this](const QPoint &at) {
         const QModelIndex entry = Dir1->indexAt(at);
@@ -38,7 +30,7 @@ void frmMain::connectLaunchHandlers()
     // F1 opens the help in every window of Vimora.
     auto *help = new QShortcut(QKeySequence(Qt::Key_F1), this);
     help->setContext(Qt::ApplicationShortcut);
-    connect(help, &QShortcut::activated, this, &frmMain::cmdHelp_Click);
+    connect(help, &QShortcut::activated, commands->action(Command::Help), &QAction::trigger);
 }
 
 void frmMain::mnuShellOpen_Click()

@@ -21,12 +21,8 @@
 
 void frmMain::connectMovieHandlers()
 {
-    connect(mnuPlay, &QAction::triggered, this, &frmMain::mnuPlay_Click);
-    connect(mnuStop, &QAction::triggered, this, &frmMain::mnuStop_Click);
-    connect(mnuFullScreen, &QAction::triggered, this, &frmMain::mnuFullScreen_Click);
     // Only the user's clicks: setting the box at start-up is no command.
     connect(chkAnim, &QCheckBox::clicked, this, &frmMain::chkAnim_Click);
-    connect(mnuAnim, &QAction::triggered, this, &frmMain::mnuAnim_Click);
     connect(ImgEgg, &PictureView::doubleClicked, this, &frmMain::ImgEgg_DblClick);
     connect(MediaPlayer1, &MoviePlayer::mousePressed, this, &frmMain::MediaPlayer1_MouseDown);
     connect(MediaPlayer1, &MoviePlayer::mouseMoved, this, &frmMain::MediaPlayer1_MouseMove);
@@ -47,15 +43,12 @@ void frmMain::mnuPlay_Click()
         MediaPlayer1->Play();
     else
         MediaPlayer1->Pause();
-    mnuStop->setEnabled(true);
 }
 
 void frmMain::mnuStop_Click()
 {
     MediaPlayer1->Stop();
     MediaPlayer1->setCurrentPosition(0);
-    mnuPlay->setEnabled(true);
-    mnuStop->setEnabled(false);
 }
 
 // The main window and, when it is open, the index window go away together
@@ -203,25 +196,9 @@ void frmMain::MediaPlayer1_MouseDown(QMouseEvent *event)
 // The file menu over a movie: in full screen only what makes sense there.
 void frmMain::showMoviePopup(QPoint globalPosition)
 {
-    for (QAction *item : {mnuPlay, mnuStop, mnuSepp, mnuGrab})
-        item->setVisible(true);
-    mnuAnim->setVisible(false);
-    mnuSepGif->setVisible(false);
     unsetCursor();
-    const int state = MediaPlayer1->PlayState();
-    mnuPlay->setEnabled(true);
-    mnuStop->setEnabled(state == MoviePlayer::Playing || state == MoviePlayer::Paused);
     m_state.FullScreenActive = MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen;
-    mnuFullScreen->setText(m_state.FullScreenActive ? m_state.messages.GetMsg(703, QStringLiteral("Restore"))
-                                                    : m_state.messages.GetMsg(829, QStringLiteral("Full Screen")));
-    for (QAction *item : {mnuSave, mnuPrint, mnuClipboard, mnusepX, mnuGrab, mnuWall, mnuRemoveWall, mnuMove, mnusep,
-                          mnuGlobal, mnusep99, SFRename, SFDelete, SFInfo, mnusepw, mnufit, mnuFull})
-        item->setVisible(!m_state.FullScreenActive);
-    mnuZoom->menuAction()->setVisible(!m_state.FullScreenActive);
-    for (QAction *item : {mnuFullScreen, mnufit, mnuFull})
-        item->setEnabled(true);
-    mnuZoom->setEnabled(true);
-    SFPOPUP->setDefaultAction(mnuFullScreen);
+    offerCommands();
     SFPOPUP->popup(globalPosition);
 }
 

@@ -1,5 +1,7 @@
 #include "viewer/frmMain.h"
 
+#include "commands/CommandSet.h"
+
 #include "core/AppState.h"
 #include "core/LanguageChoice.h"
 #include "platform/Launcher.h"
@@ -113,30 +115,11 @@ void frmMain::showPendingSteps()
     m_showingSteps = false;
 }
 
-bool frmMain::takesKeyFrom(QWidget *control, const QKeyEvent &key) const
-{
-    if (!MainKeyTable::hasRow(key.key(), key.modifiers()))
-        return false;
-    // A text being edited keeps its typing and the keys that move in it.
-    const auto *line = qobject_cast<const QLineEdit *>(control);
-    const bool editing = (line && !line->isReadOnly()) || qobject_cast<const QAbstractSpinBox *>(control);
-    return !(editing && MainKeyTable::editsText(key.key(), key.modifiers(), key.text()));
-}
-
 void frmMain::keyPressEvent(QKeyEvent *event)
 {
     const int key = event->key();
-    const bool keypad = event->modifiers() & Qt::KeypadModifier;
-    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
-    const bool plain = modifiers == Qt::NoModifier;
-    const bool alt = modifiers == Qt::AltModifier;
-
-    if (key == Qt::Key_Escape) {
-        ClearCropSelection();
-        unsetCursor();
-        return;
-    }
-    if (CboType->currentText().isEmpty()) {
+    event->accept();
+    if (key != Qt::Key_Escape && CboType->currentText().isEmpty()) {
         // The user erased the filter: Enter restores "All Supported".
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
             m_state.BrowserReady = true;
@@ -146,51 +129,5 @@ void frmMain::keyPressEvent(QKeyEvent *event)
         }
         return;
     }
-
-    if (plain && (key == Qt::Key_Up || key == Qt::Key_PageUp))
-        stepThroughList(true);
-    if (plain && (key == Qt::Key_Down || key == Qt::Key_PageDown))
-        stepThroughList(false);
-    if (plain && key == Qt::Key_Space) {
-        if (m_state.MainMovieLoaded) {
-            if (MediaPlayer1->PlayState() == MoviePlayer::Playing)
-                MediaPlayer1->Pause();
-            else
-                MediaPlayer1->Play();
-        } else if (ChkCicle->isChecked()) {
-            ChkCicle->setChecked(false);
-        } else {
-            stepThroughList(false);
-        }
-    }
-    if (plain && (key == Qt::Key_Return || key == Qt::Key_Enter) && m_state.BrowserReady) {
-        const QString typed = CboURL->currentText().trimmed();
-        CboURL_Click();
-        QCoreApplication::processEvents();
-        if (m_state.CurrentFolder.startsWith(typed, Qt::CaseInsensitive) && !m_state.CurrentFileName.isEmpty())
-            Inserisci_URL(m_state.CurrentFolder);
-    }
-    if (plain && key == Qt::Key_F2)
-        switchLanguage();
-    if (plain && keypad && key == Qt::Key_Plus)
-        cmdExpand_Click();
-    if (plain && keypad && key == Qt::Key_Minus)
-        cmdReduce_Click();
-    if (plain && key == Qt::Key_F5)
-        cmdRefr_Click();
-    if (plain && key == Qt::Key_F6)
-        cmdRitaglia_Click();
-    if (alt && key == Qt::Key_L && !m_state.FullScreenActive)
-        mnuFull_Click();
-    if (alt && key == Qt::Key_F && !m_state.FullScreenActive)
-        mnufit_Click();
-    if (plain && key == Qt::Key_F4)
-        CboURL->setFocus();
-    if (alt && key == Qt::Key_O)
-        cmdAbout->click();
-    outputKeyPress(key, modifiers);
-    fileKeyPress(key, modifiers);
-    if (alt && key == Qt::Key_T && !m_state.FullScreenActive)
-        cmdIndex_Click();
-    event->accept();
+    commands->runKey(key, event->modifiers());
 }

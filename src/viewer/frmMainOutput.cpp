@@ -36,43 +36,9 @@ constexpr int FrameWaitMs = 2000; // a paused movie shows its frame within this
 
 void frmMain::connectOutputHandlers()
 {
-    connect(cmdSave, &QToolButton::clicked, this, &frmMain::cmdSave_Click);
-    connect(mnuSave, &QAction::triggered, this, &frmMain::cmdSave_Click);
-    connect(cmdClip, &QToolButton::clicked, this, &frmMain::cmdClip_Click);
-    connect(mnuClipboard, &QAction::triggered, this, &frmMain::cmdClip_Click);
-    connect(cmdGrab, &QToolButton::clicked, this, &frmMain::cmdGrab_Click);
-    connect(mnuGrab, &QAction::triggered, this, &frmMain::cmdGrab_Click);
-    connect(cmdPrint, &QToolButton::clicked, this, &frmMain::cmdPrint_Click);
-    connect(mnuPrint, &QAction::triggered, this, &frmMain::cmdPrint_Click);
-    connect(mnuWall, &QAction::triggered, this, &frmMain::mnuWall_Click);
-    connect(mnuRemoveWall, &QAction::triggered, this, &frmMain::mnuRemoveWall_Click);
-    connect(mnuCropSave, &QAction::triggered, this, &frmMain::mnuCropSave_Click);
-    connect(mnuCropClip, &QAction::triggered, this, &frmMain::mnuCropClip_Click);
-    connect(mnuCropPrint, &QAction::triggered, this, &frmMain::mnuCropPrint_Click);
     // Only a movie has a frame to grab.
     cmdGrab->setEnabled(false);
-    connect(this, &frmMain::fileShown, this, [this] {
-        cmdGrab->setEnabled(m_state.MainMovieLoaded);
-        mnuGrab->setVisible(m_state.MainMovieLoaded);
-    });
-}
-
-void frmMain::outputKeyPress(int key, Qt::KeyboardModifiers modifiers)
-{
-    const bool alt = modifiers == Qt::AltModifier;
-    const bool control = modifiers == Qt::ControlModifier;
-    if (((modifiers == Qt::NoModifier && key == Qt::Key_F8) || (control && key == Qt::Key_A)) && m_state.MainMovieLoaded)
-        cmdGrab_Click();
-    if (control && key == Qt::Key_C)
-        cmdClip_Click();
-    if (alt && key == Qt::Key_C)
-        cmdSave_Click();
-    if (alt && key == Qt::Key_P)
-        cmdPrint_Click();
-    if (alt && (key == Qt::Key_W || key == Qt::Key_S))
-        mnuWall_Click();
-    if (alt && (key == Qt::Key_E || key == Qt::Key_V))
-        mnuRemoveWall_Click();
+    connect(this, &frmMain::fileShown, this, [this] { cmdGrab->setEnabled(m_state.MainMovieLoaded); });
 }
 
 QString frmMain::outputFolder() const
