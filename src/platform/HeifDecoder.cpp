@@ -99,12 +99,12 @@ DecodedPicture decode(const QByteArray &file, qint64 maxPixels)
     const bool alpha = heif_image_handle_has_alpha_channel(handle);
     std::unique_ptr<heif_decoding_options, OptionsFree> options(heif_decoding_options_alloc());
     heif_image *decoded = nullptr;
-    if (heif_decode_image(handle, &decoded, heif_colorspace_RGB,
-                          alpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB, options.get())
-            .code != heif_error_Ok
-        || !decoded)
+    const heif_error error = heif_decode_image(
+        handle, &decoded, heif_colorspace_RGB, alpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB,
+        options.get());
+    const std::unique_ptr<heif_image, ImageFree> image(decoded); // released on a failure too
+    if (error.code != heif_error_Ok || !image)
         return {};
-    const std::unique_ptr<heif_image, ImageFree> image(decoded);
     int stride = 0;
     const uint8_t *pixels = heif_image_get_plane_readonly(image.get(), heif_channel_interleaved, &stride);
     const int shownWidth = heif_image_get_width(image.get(), heif_channel_interleaved);
