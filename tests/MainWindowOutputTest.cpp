@@ -334,6 +334,9 @@ TEST(MainWindowOutput, SlidesArePrintedByTheirOwnProgramNeverDrawn)
     QTest::keyClick(&window, Qt::Key_P, Qt::AltModifier);
     EXPECT_EQ(fixture.prompts.printRequests.size(), 1);
     EXPECT_FALSE(QFile::exists(folder + "/drawn.pdf"));
-    EXPECT_TRUE(fixture.prompts.asked.isEmpty()); // no office program here is no error
+    // Without an office program the user is told the slides went nowhere.
+    const bool office = !QStandardPaths::findExecutable("libreoffice").isEmpty()
+        || !QStandardPaths::findExecutable("soffice").isEmpty();
+    EXPECT_EQ(fixture.prompts.asked.size(), office ? 0 : 1);
     EXPECT_TRUE(window.cmdPrint->isEnabled());
 }
