@@ -5,18 +5,11 @@
 set -euo pipefail
 vimora=$1
 
-if [[ -z "${VIMORA_IN_XVFB:-}" ]]; then
-    export VIMORA_IN_XVFB=1
-    unset QT_QPA_PLATFORM
-    exec xvfb-run -a -s "-screen 0 2560x1600x24" bash "$0" "$vimora"
-fi
+source "$(dirname "$0")/session.sh"
+in_xvfb 2560x1600 "$0" "$vimora"
 
-work=$(mktemp -d)
-trap 'kill "${pid:-0}" 2>/dev/null || true; rm -rf "$work"' EXIT
-mkdir -p "$work/home/config/Vimora" "$work/pictures"
-export HOME="$work/home" XDG_CONFIG_HOME="$work/home/config" XDG_DATA_HOME="$work/home/data" \
-       XDG_CACHE_HOME="$work/home/cache"
-printf '[UserDef]\nLanguage=EN\n' > "$XDG_CONFIG_HOME/Vimora/Vimora.ini"
+fresh_home
+mkdir -p "$work/pictures"
 
 # 96 x 72 one-pixel checks, blue at the top left, red beside it.
 python3 - "$work/pictures/board.ppm" <<'PY'

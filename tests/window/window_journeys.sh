@@ -5,19 +5,12 @@
 set -euo pipefail
 vimora=$(realpath "$1")
 
-if [[ -z "${VIMORA_IN_XVFB:-}" ]]; then
-    export VIMORA_IN_XVFB=1
-    unset QT_QPA_PLATFORM
-    exec xvfb-run -a -s "-screen 0 1280x1024x24" bash "$0" "$vimora"
-fi
+source "$(dirname "$0")/session.sh"
+in_xvfb 1280x1024 "$0" "$vimora"
 
-work=$(mktemp -d)
-trap 'kill "${pid:-0}" "${wm:-0}" 2>/dev/null || true; rm -rf "$work"' EXIT
-mkdir -p "$work/home/config/Vimora" "$work/pictures"
+fresh_home
+mkdir -p "$work/pictures"
 for name in a b; do convert -size 320x240 xc:orange "$work/pictures/$name.jpg"; done
-export HOME="$work/home" XDG_CONFIG_HOME="$work/home/config" XDG_DATA_HOME="$work/home/data" \
-       XDG_CACHE_HOME="$work/home/cache"
-printf '[UserDef]\nLanguage=EN\n' > "$XDG_CONFIG_HOME/Vimora/Vimora.ini"
 openbox & wm=$!
 
 main_window=""
