@@ -1,6 +1,7 @@
 #include "core/MessageCatalogue.h"
 #include "files/FileOperations.h"
 #include "support/FakeSeams.h"
+#include "support/TestFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -81,12 +82,6 @@ private:
     std::unique_ptr<CopyTarget> m_real;
     QString m_error;
 };
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-}
 
 class FileFaults : public ::testing::TestWithParam<FaultCase> {
 protected:
