@@ -273,6 +273,5 @@ void frmMain::showContextMenu(QPoint globalPosition)
         SFCrop->popup(globalPosition);
         return;
     }
-    offerCommands();
-    SFPOPUP->popup(globalPosition);
+    SFPOPUP->popup(globalPosition); // offered anew as it comes up
 }

@@ -198,8 +198,7 @@ void frmMain::showMoviePopup(QPoint globalPosition)
 {
     unsetCursor();
     m_state.FullScreenActive = MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen;
-    offerCommands();
-    SFPOPUP->popup(globalPosition);
+    SFPOPUP->popup(globalPosition); // offered anew as it comes up
 }
 
 void frmMain::MediaPlayer1_MouseMove(QMouseEvent *event)
