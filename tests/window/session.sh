@@ -1,5 +1,6 @@
-# Shared by the real-window scripts: a private X server, and a fresh user
-# whose first start asks no language question.
+# Shared by the real-window scripts: a private X server with its own session
+# bus (for the screen reader's view of the windows), and a fresh user whose
+# first start asks no language question.
 
 # Runs the calling script again under an Xvfb screen of its own, of the
 # given size: in_xvfb 1280x1024 "$0" args...
@@ -8,7 +9,32 @@ in_xvfb()
     [[ -n "${VIMORA_IN_XVFB:-}" ]] && return 0
     export VIMORA_IN_XVFB=1
     unset QT_QPA_PLATFORM
-    exec xvfb-run -a -s "-screen 0 ${1}x24" bash "${@:2}"
+    # Qt offers its widgets to screen readers only when asked to or when a
+    # desktop says one runs.
+    export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 NO_AT_BRIDGE=0
+    exec xvfb-run -a -s "-screen 0 ${1}x24" dbus-run-session -- bash "${@:2}"
+}
+
+# What a screen reader finds in the program's shown windows, a line each:
+# "window<TAB>title", "label<TAB>text", "button<TAB>text", ...
+screen_text()
+{
+    /usr/bin/python3 "$(dirname "${BASH_SOURCE[0]}")/screen_text.py" Vimora 2>/dev/null || true
+}
+
+# Waits until a line of screen_text is exactly this ("label<TAB> 2/3 ");
+# fails the script, with what the screen showed, when it does not come.
+wait_text()
+{
+    local expected=$1 what=${2:-$1} shown=""
+    for _ in $(seq 1 100); do
+        shown=$(screen_text)
+        grep -qxF -- "$expected" <<<"$shown" && return 0
+        sleep 0.1
+    done
+    echo "after '$what': the screen never showed '$expected'; it showed:" >&2
+    echo "$shown" >&2
+    exit 1
 }
 
 # Makes $work with an empty home in English. The program ($pid) and the

@@ -1,0 +1,67 @@
+#!/usr/bin/python3
+"""Prints what a screen reader finds in Vimora's windows: one line per
+window ("window<TAB>its title") and one per label, button, check box or
+text field inside it ("label<TAB>text", ...), in the windows' order.
+
+Reads the accessibility bus only, so a script sees what a user sees.
+"""
+import sys
+
+import pyatspi
+
+SHOWN_ROLES = {
+    "label": "label",
+    "push button": "button",
+    "check box": "check",
+    "radio button": "radio",
+    "text": "text",
+    "combo box": "combo",
+    "menu item": "menu item",
+}
+# Tables and lists of a folder tree can hold thousands of rows.
+SKIPPED_ROLES = {"table cell", "list item", "table column header", "tree", "list"}
+
+
+def walk(accessible, out):
+    try:
+        role = accessible.getRoleName()
+        name = accessible.name or ""
+        count = accessible.childCount
+    except Exception:  # a window that closed while being read
+        return
+    if role in SKIPPED_ROLES:
+        return
+    if role in SHOWN_ROLES:
+        text = name
+        if role == "text":
+            try:
+                body = accessible.queryText()
+                text = body.getText(0, body.characterCount)
+            except NotImplementedError:
+                pass
+        out.append(f"{SHOWN_ROLES[role]}\t{text}")
+    for i in range(count):
+        walk(accessible.getChildAtIndex(i), out)
+
+
+def main():
+    app_name = sys.argv[1] if len(sys.argv) > 1 else "Vimora"
+    desktop = pyatspi.Registry.getDesktop(0)
+    out = []
+    for i in range(desktop.childCount):
+        app = desktop.getChildAtIndex(i)
+        if app is None or app.name != app_name:
+            continue
+        for j in range(app.childCount):
+            window = app.getChildAtIndex(j)
+            try:
+                showing = window.getState().contains(pyatspi.STATE_SHOWING)
+            except Exception:
+                continue
+            if showing:
+                out.append(f"window\t{window.name}")
+                walk(window, out)
+    print("\n".join(out))
+
+
+main()
