@@ -1,11 +1,11 @@
 #include "support/MainWindowFixture.h"
 #include "support/TestClips.h"
 
-#include "fullscreen/FullViewRules.h"
+#include "display/AnimationView.h"
 #include "files/frmList.h"
+#include "fullscreen/FullViewRules.h"
 #include "fullscreen/frmFull.h"
 #include "platform/MoviePlayer.h"
-#include "viewer/AnimationView.h"
 #include "viewer/ViewRules.h"
 
 #include <QAction>

@@ -1,9 +1,9 @@
 // Runs at the scale factor of its environment: ctest runs it again under
 // QT_SCALE_FACTOR 1.5 and 2 (tests/CMakeLists.txt).
+#include "display/ViewGeometry.h"
 #include "fullscreen/frmFull.h"
 #include "index/frmIndex.h"
 #include "support/MainWindowFixture.h"
-#include "viewer/ViewGeometry.h"
 
 #include <QDir>
 #include <QImage>

@@ -3,9 +3,9 @@
 
 #include "core/ProfileReader.h"
 #include "core/SettingsStore.h"
+#include "display/AnimationView.h"
 #include "output/Wallpaper.h"
 #include "platform/PictureLoader.h"
-#include "viewer/AnimationView.h"
 
 #include <QBuffer>
 #include <QDir>

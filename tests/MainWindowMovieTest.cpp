@@ -1,8 +1,8 @@
 #include "support/MainWindowFixture.h"
 #include "support/TestClips.h"
 
+#include "display/AnimationView.h"
 #include "platform/MoviePlayer.h"
-#include "viewer/AnimationView.h"
 #include "viewer/ViewRules.h"
 
 #include <QAction>

@@ -1,6 +1,6 @@
+#include "display/AnimationView.h"
+#include "display/PictureView.h"
 #include "support/MainWindowFixture.h"
-#include "viewer/AnimationView.h"
-#include "viewer/PictureView.h"
 #include "viewer/ViewRules.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
+#include "display/ZoomRules.h"
 #include "files/FileSizeText.h"
 #include "viewer/StartupRules.h"
 #include "viewer/ViewRules.h"
-#include "viewer/ZoomRules.h"
 
 #include <gtest/gtest.h>
 

@@ -6,13 +6,13 @@
 #include "core/FileTypeCatalogue.h"
 #include "core/FormTexts.h"
 #include "core/MessageCatalogue.h"
+#include "display/ViewGeometry.h"
 #include "files/CopyProgress.h"
 #include "files/Favourites.h"
 #include "files/FileCommands.h"
 #include "files/FilePaths.h"
 #include "files/TechRen.h"
 #include "files/frmMessage.h"
-#include "viewer/ViewGeometry.h"
 
 #include <QAction>
 #include <QAbstractButton>

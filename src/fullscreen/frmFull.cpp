@@ -5,11 +5,11 @@
 #include "core/FileTypeCatalogue.h"
 #include "core/FormTexts.h"
 #include "core/MessageCatalogue.h"
+#include "display/AnimationView.h"
+#include "display/PictureView.h"
 #include "fullscreen/FullViewRules.h"
 #include "platform/MoviePlayer.h"
 #include "platform/PictureLoaderWait.h"
-#include "viewer/AnimationView.h"
-#include "viewer/PictureView.h"
 #include "viewer/frmMain.h"
 
 #include <QAction>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "display/ViewGeometry.h"
 #include "index/IndexRules.h"
-#include "viewer/ViewGeometry.h"
 
 #include <QPixmap>
 #include <QWidget>

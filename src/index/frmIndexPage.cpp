@@ -4,11 +4,11 @@
 
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
+#include "display/FilterItemDelegate.h"
 #include "files/FileSizeText.h"
 #include "index/ThumbnailDecoder.h"
 #include "platform/DataFolder.h"
 #include "platform/MoviePlayer.h"
-#include "viewer/FilterItemDelegate.h"
 #include "viewer/frmMain.h"
 
 #include <QComboBox>

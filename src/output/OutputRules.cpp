@@ -1,6 +1,6 @@
 #include "output/OutputRules.h"
 
-#include "viewer/ZoomRules.h"
+#include "display/ZoomRules.h"
 
 #include <QDir>
 

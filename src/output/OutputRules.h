@@ -6,7 +6,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "viewer/ViewGeometry.h"
+#include "display/ViewGeometry.h"
 
 // The naming and area rules of the output commands, without widgets.
 namespace OutputRules {

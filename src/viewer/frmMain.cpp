@@ -4,14 +4,14 @@
 
 #include "core/AppState.h"
 #include "core/FormTexts.h"
-#include "core/LanguageChoice.h"
-#include "files/frmList.h"
 #include "core/MessageCatalogue.h"
+#include "display/AnimationView.h"
+#include "display/FilterItemDelegate.h"
+#include "display/PictureView.h"
+#include "files/frmList.h"
 #include "platform/DataFolder.h"
+#include "platform/LanguageChoice.h"
 #include "platform/MoviePlayer.h"
-#include "viewer/AnimationView.h"
-#include "viewer/FilterItemDelegate.h"
-#include "viewer/PictureView.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "commands/CommandOffers.h"
+#include "display/ViewGeometry.h"
+#include "display/ZoomRules.h"
 #include "files/FileUndo.h"
 #include "platform/Drives.h"
 #include "viewer/LaunchPause.h"
-#include "viewer/ViewGeometry.h"
-#include "viewer/ZoomRules.h"
 
 #include <QLineF>
 #include <QPointer>

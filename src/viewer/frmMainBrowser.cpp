@@ -4,12 +4,12 @@
 #include "core/FileTypeCatalogue.h"
 #include "core/MessageCatalogue.h"
 #include "core/SettingsStore.h"
+#include "display/PictureView.h"
 #include "platform/Drives.h"
 #include "platform/MoviePlayer.h"
 #include "platform/Prompts.h"
 #include "viewer/FolderListing.h"
 #include "viewer/PathHistory.h"
-#include "viewer/PictureView.h"
 #include "viewer/StartupRules.h"
 
 #include <QCheckBox>

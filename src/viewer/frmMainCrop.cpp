@@ -4,10 +4,10 @@
 
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
+#include "display/AnimationView.h"
+#include "display/PictureView.h"
+#include "display/ZoomRules.h"
 #include "platform/MoviePlayer.h"
-#include "viewer/AnimationView.h"
-#include "viewer/PictureView.h"
-#include "viewer/ZoomRules.h"
 
 #include <QAction>
 #include <QCheckBox>

@@ -3,16 +3,16 @@
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
 #include "core/MessageCatalogue.h"
+#include "display/AnimationView.h"
+#include "display/PictureView.h"
+#include "display/ZoomRules.h"
 #include "files/FileSizeText.h"
 #include "platform/DataFolder.h"
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
 #include "platform/PictureLoader.h"
 #include "platform/PictureLoaderWait.h"
-#include "viewer/AnimationView.h"
-#include "viewer/PictureView.h"
 #include "viewer/ViewRules.h"
-#include "viewer/ZoomRules.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

@@ -2,6 +2,7 @@
 
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
+#include "display/PictureView.h"
 #include "files/CopyProgress.h"
 #include "files/Favourites.h"
 #include "files/FileCommands.h"
@@ -12,7 +13,6 @@
 #include "files/frmList.h"
 #include "files/frmMessage.h"
 #include "platform/MoviePlayer.h"
-#include "viewer/PictureView.h"
 
 #include <QAction>
 #include <QCoreApplication>

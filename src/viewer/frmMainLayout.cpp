@@ -1,13 +1,13 @@
 #include "viewer/frmMain.h"
 
 #include "core/AppState.h"
+#include "display/AnimationView.h"
+#include "display/PictureView.h"
+#include "display/ZoomRules.h"
 #include "files/frmList.h"
 #include "index/frmIndex.h"
 #include "platform/MoviePlayer.h"
-#include "viewer/AnimationView.h"
-#include "viewer/PictureView.h"
 #include "viewer/ViewRules.h"
-#include "viewer/ZoomRules.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -3,11 +3,11 @@
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
 #include "core/MessageCatalogue.h"
+#include "display/AnimationView.h"
+#include "display/PictureView.h"
 #include "fullscreen/frmFull.h"
 #include "index/frmIndex.h"
 #include "platform/MoviePlayer.h"
-#include "viewer/AnimationView.h"
-#include "viewer/PictureView.h"
 
 #include <QAction>
 #include <QCheckBox>

@@ -3,7 +3,7 @@
 #include "commands/CommandSet.h"
 
 #include "core/AppState.h"
-#include "core/LanguageChoice.h"
+#include "platform/LanguageChoice.h"
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
 #include "viewer/MainKeyTable.h"

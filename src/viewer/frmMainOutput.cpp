@@ -2,6 +2,7 @@
 
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
+#include "display/PictureView.h"
 #include "files/CopyProgress.h"
 #include "files/FileOperations.h"
 #include "files/FilePaths.h"
@@ -13,7 +14,6 @@
 #include "platform/MoviePlayer.h"
 #include "platform/PictureLoader.h"
 #include "platform/Prompts.h"
-#include "viewer/PictureView.h"
 #include "viewer/ViewRules.h"
 
 #include <QAction>

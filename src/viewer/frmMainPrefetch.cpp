@@ -1,10 +1,10 @@
 #include "viewer/frmMain.h"
 
 #include "core/AppState.h"
+#include "display/PictureView.h"
 #include "platform/PictureLoader.h"
 #include "platform/PictureLoaderWait.h"
 #include "viewer/PartRules.h"
-#include "viewer/PictureView.h"
 #include "viewer/PicturePrefetch.h"
 #include "viewer/PrefetchRules.h"
 

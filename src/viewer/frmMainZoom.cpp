@@ -1,10 +1,10 @@
 #include "viewer/frmMain.h"
 
 #include "core/AppState.h"
+#include "display/PictureView.h"
+#include "display/ZoomRules.h"
 #include "platform/MoviePlayer.h"
-#include "viewer/PictureView.h"
 #include "viewer/ViewRules.h"
-#include "viewer/ZoomRules.h"
 
 #include <QAction>
 #include <QLabel>

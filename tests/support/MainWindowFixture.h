@@ -3,8 +3,8 @@
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "core/SettingsStore.h"
+#include "display/PictureView.h"
 #include "support/FakeSeams.h"
-#include "viewer/PictureView.h"
 #include "viewer/frmMain.h"
 
 #include <QCheckBox>

@@ -1,4 +1,4 @@
-#include "viewer/FilterItemDelegate.h"
+#include "display/FilterItemDelegate.h"
 
 QString FilterItemDelegate::visibleLabel(const QString &itemText)
 {

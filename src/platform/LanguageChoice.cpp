@@ -1,4 +1,4 @@
-#include "core/LanguageChoice.h"
+#include "platform/LanguageChoice.h"
 
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"

@@ -1,4 +1,4 @@
-#include "viewer/AnimationView.h"
+#include "display/AnimationView.h"
 
 #include "platform/PictureLoader.h"
 

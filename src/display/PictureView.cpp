@@ -1,4 +1,4 @@
-#include "viewer/PictureView.h"
+#include "display/PictureView.h"
 
 #include "platform/PictureLoader.h"
 

@@ -1,6 +1,6 @@
-#include "viewer/ZoomRules.h"
+#include "display/ZoomRules.h"
 
-#include "viewer/ViewGeometry.h"
+#include "display/ViewGeometry.h"
 
 #include <algorithm>
 #include <cmath>
