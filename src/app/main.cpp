@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QIcon>
 
 #include <clocale>
@@ -36,6 +37,7 @@ int main(int argc, char *argv[])
     // The command line is one file path, taken whole: a path with blanks
     // arrives split into several arguments and is joined again.
     const QStringList arguments = QCoreApplication::arguments().mid(1);
-    window.Form_Load(StartupRules::absoluteCommandLine(arguments.join(QLatin1Char(' ')), QDir::currentPath()));
+    const QString commandLine = StartupRules::absoluteCommandLine(arguments.join(QLatin1Char(' ')), QDir::currentPath());
+    window.Form_Load(StartupRules::folderOpenedWhole(commandLine, QFileInfo(commandLine).isDir()));
     return QApplication::exec();
 }

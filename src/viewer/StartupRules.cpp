@@ -26,6 +26,13 @@ QString absoluteCommandLine(const QString &commandLine, const QString &workingFo
     return QDir::cleanPath(workingFolder + QLatin1Char('/') + commandLine);
 }
 
+QString folderOpenedWhole(const QString &absoluteCommandLine, bool namesFolder)
+{
+    if (!namesFolder || absoluteCommandLine.endsWith(QLatin1Char('/')))
+        return absoluteCommandLine;
+    return absoluteCommandLine + QLatin1Char('/');
+}
+
 QString withoutTrailingSlash(const QString &folder)
 {
     QString result = folder;

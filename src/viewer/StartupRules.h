@@ -17,6 +17,10 @@ CommandLineFile splitCommandLine(const QString &commandLine);
 // started in.
 QString absoluteCommandLine(const QString &commandLine, const QString &workingFolder);
 
+// A folder on the command line (a file manager's "Open with") is opened
+// itself, and its first file shown: it becomes that folder with no name.
+QString folderOpenedWhole(const QString &absoluteCommandLine, bool namesFolder);
+
 // The folder a start without a command line opens: the stored one, unless
 // none is stored or it lies on an optical drive or a network mount.
 QString startFolder(const QString &storedFolder, const QString &programFolder, bool onOpticalDrive,

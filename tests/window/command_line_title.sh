@@ -53,6 +53,15 @@ opens_bare_name_in_its_own_folder() {
     expect_title " first photo.jpg  - Vimora " "${FUNCNAME[0]}"
 }
 
+# A folder handed over by a file manager or typed as "vimora 'sub dir'":
+# that folder is opened and its first picture shown.
+opens_a_folder_and_shows_its_first_picture() {
+    (cd "$work/pictures, 2024" && exec "$vimora" "sub dir") &
+    pid=$!
+    expect_title " b.jpg  - Vimora " "${FUNCNAME[0]}"
+}
+
 opens_absolute_path_with_blanks
 opens_path_relative_to_parent_folder
 opens_bare_name_in_its_own_folder
+opens_a_folder_and_shows_its_first_picture
