@@ -82,6 +82,40 @@ Layout layoutOf(QImage::Format format)
     }
 }
 
+// One output's step of linear light from the sum of the three shares.
+inline int stepOf(quint64 sum, int out)
+{
+    constexpr quint64 Field = (quint64(1) << MatrixShaperTransform::FieldBits) - 1;
+    constexpr qint64 Offsets = 3 * MatrixShaperTransform::ShareOffset;
+    static_assert(MatrixShaperTransform::QuarterSteps == 4);
+    const qint64 quarters = qint64((sum >> (MatrixShaperTransform::FieldBits * out)) & Field) - Offsets;
+    return int(std::clamp<qint64>((quarters + 2) >> 2, 0, MatrixShaperTransform::LinearOne));
+}
+
+// The tables as plain locals of the loop: stores through the pixels' bytes
+// could alias members, which the compiler would load again for every pixel.
+struct Kernel {
+    const quint64 *shares[3];
+    const quint8 *levels[3];
+};
+
+template <int Size, int Red, int Green, int Blue>
+void convertRows(const Kernel &kernel, uchar *bits, qsizetype stride, int width, int first, int end)
+{
+    const quint64 *const sharesR = kernel.shares[0], *const sharesG = kernel.shares[1], *const sharesB = kernel.shares[2];
+    const quint8 *const toLevelR = kernel.levels[0], *const toLevelG = kernel.levels[1], *const toLevelB = kernel.levels[2];
+    for (int y = first; y < end; ++y) {
+        uchar *pixel = bits + y * stride;
+        uchar *const rowEnd = pixel + qsizetype(width) * Size;
+        for (; pixel != rowEnd; pixel += Size) {
+            const quint64 sum = sharesR[pixel[Red]] + sharesG[pixel[Green]] + sharesB[pixel[Blue]];
+            pixel[Red] = toLevelR[stepOf(sum, 0)];
+            pixel[Green] = toLevelG[stepOf(sum, 1)];
+            pixel[Blue] = toLevelB[stepOf(sum, 2)];
+        }
+    }
+}
+
 struct CacheEntry {
     QByteArray source, target;
     std::shared_ptr<const MatrixShaperTransform> transform;
@@ -110,6 +144,7 @@ std::shared_ptr<const MatrixShaperTransform> MatrixShaperTransform::between(cons
     Matrix toInverse;
     if (readShaper(source.get(), from) && readShaper(target.get(), to) && inverted(to.colorants, toInverse)) {
         made.reset(new MatrixShaperTransform);
+        Matrix matrix{};
         bool fits = true;
         for (int row = 0; row < 3; ++row) {
             for (int column = 0; column < 3; ++column) {
@@ -117,14 +152,19 @@ std::shared_ptr<const MatrixShaperTransform> MatrixShaperTransform::between(cons
                 for (int k = 0; k < 3; ++k)
                     sum += toInverse[row][k] * from.colorants[k][column];
                 fits = fits && std::isfinite(sum) && std::abs(sum) <= 4.0;
-                made->m_matrix[size_t(row)][size_t(column)] = fits ? int(std::lround(sum * MatrixOne)) : 0;
+                matrix[size_t(row)][size_t(column)] = sum;
             }
         }
         for (int channel = 0; fits && channel < 3; ++channel) {
             for (int level = 0; level < 256; ++level) {
-                const float linear = cmsEvalToneCurveFloat(from.curves[channel], float(level) / 255.0f);
-                made->m_toLinear[size_t(channel)][size_t(level)]
-                    = int(std::lround(std::clamp(double(linear), 0.0, 1.0) * LinearOne));
+                const double linear = std::clamp(
+                    double(cmsEvalToneCurveFloat(from.curves[channel], float(level) / 255.0f)), 0.0, 1.0);
+                quint64 shares = 0;
+                for (int out = 0; out < 3; ++out) {
+                    const qint64 share = std::llround(matrix[size_t(out)][size_t(channel)] * linear * LinearOne * QuarterSteps);
+                    shares |= quint64(share + ShareOffset) << (FieldBits * out);
+                }
+                made->m_shares[size_t(channel)][size_t(level)] = shares;
             }
             const std::unique_ptr<cmsToneCurve, CurveFree> back(cmsReverseToneCurve(to.curves[channel]));
             fits = back != nullptr;
@@ -152,30 +192,24 @@ bool MatrixShaperTransform::takes(QImage::Format format)
 
 std::array<int, 3> MatrixShaperTransform::convert(int red, int green, int blue) const
 {
-    const int linear[3] = {m_toLinear[0][size_t(red & 0xFF)], m_toLinear[1][size_t(green & 0xFF)],
-                           m_toLinear[2][size_t(blue & 0xFF)]};
-    std::array<int, 3> out{};
-    for (size_t channel = 0; channel < 3; ++channel) {
-        const std::array<int, 3> &row = m_matrix[channel];
-        const int mixed = (row[0] * linear[0] + row[1] * linear[1] + row[2] * linear[2] + MatrixOne / 2) >> MatrixBits;
-        out[channel] = m_toLevels[channel][size_t(std::clamp(mixed, 0, LinearOne))];
-    }
-    return out;
+    const quint64 sum = m_shares[0][size_t(red & 0xFF)] + m_shares[1][size_t(green & 0xFF)]
+                      + m_shares[2][size_t(blue & 0xFF)];
+    return {m_toLevels[0][size_t(stepOf(sum, 0))], m_toLevels[1][size_t(stepOf(sum, 1))],
+            m_toLevels[2][size_t(stepOf(sum, 2))]};
 }
 
 void MatrixShaperTransform::applyToRows(uchar *bits, qsizetype stride, int width, QImage::Format format, int first,
                                         int end) const
 {
+    const Kernel kernel{{m_shares[0].data(), m_shares[1].data(), m_shares[2].data()},
+                        {m_toLevels[0].data(), m_toLevels[1].data(), m_toLevels[2].data()}};
     const Layout layout = layoutOf(format);
-    for (int y = first; y < end; ++y) {
-        uchar *pixel = bits + y * stride;
-        for (int x = 0; x < width; ++x, pixel += layout.size) {
-            const std::array<int, 3> out = convert(pixel[layout.red], pixel[layout.green], pixel[layout.blue]);
-            pixel[layout.red] = uchar(out[0]);
-            pixel[layout.green] = uchar(out[1]);
-            pixel[layout.blue] = uchar(out[2]);
-        }
-    }
+    if (layout.size == 4 && layout.red == 2)
+        convertRows<4, 2, 1, 0>(kernel, bits, stride, width, first, end);
+    else if (layout.size == 4)
+        convertRows<4, 0, 1, 2>(kernel, bits, stride, width, first, end);
+    else if (layout.size == 3)
+        convertRows<3, 0, 1, 2>(kernel, bits, stride, width, first, end);
 }
 
 void MatrixShaperTransform::apply(QImage &image) const
@@ -187,7 +221,7 @@ void MatrixShaperTransform::apply(QImage &image) const
     const qsizetype stride = image.bytesPerLine();
     const int width = image.width(), rows = image.height();
     const QImage::Format format = image.format();
-    constexpr qint64 PixelsPerStrip = 1 << 20;
+    constexpr qint64 PixelsPerStrip = 1 << 18; // a thread costs less than converting this many
     const qint64 pixels = qint64(width) * rows;
     const int strips = int(std::clamp<qint64>(pixels / PixelsPerStrip, 1, std::max(1, QThread::idealThreadCount())));
     std::vector<std::jthread> helpers;

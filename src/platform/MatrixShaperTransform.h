@@ -34,16 +34,18 @@ public:
     // Linear light in 1/LinearOne steps; the table back has one entry per step.
     static constexpr int LinearBits = 14;
     static constexpr int LinearOne = 1 << LinearBits;
-    // The matrix, in 1/MatrixOne steps: up to 4 at most, so that a row's sum
-    // of three products stays within 32 bits.
-    static constexpr int MatrixBits = 12;
-    static constexpr int MatrixOne = 1 << MatrixBits;
+    // Each stored level's share of all three outputs, in quarter steps of
+    // linear light, is kept in one 64-bit word of three 21-bit fields, each
+    // offset to stay positive: a pixel's three outputs are the sum of three
+    // words, with no multiplication. The matrix is at most 4 in size.
+    static constexpr int FieldBits = 21;
+    static constexpr int QuarterSteps = 4;
+    static constexpr qint64 ShareOffset = 4LL * LinearOne * QuarterSteps;
 
 private:
     MatrixShaperTransform() = default;
     void applyToRows(uchar *bits, qsizetype stride, int width, QImage::Format format, int first, int end) const;
 
-    std::array<std::array<int, 256>, 3> m_toLinear{};
-    std::array<std::array<int, 3>, 3> m_matrix{};
+    std::array<std::array<quint64, 256>, 3> m_shares{};
     std::array<std::vector<quint8>, 3> m_toLevels;
 };
