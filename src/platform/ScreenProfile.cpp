@@ -80,9 +80,13 @@ QByteArray fromColord(const QString &output)
         return {};
     const QString devicePath = device.arguments().first().value<QDBusObjectPath>().path();
     // The device's profiles, the default one first.
+    const QVariant listed =
+        colordProperty(devicePath, QStringLiteral("org.freedesktop.ColorManager.Device"), QStringLiteral("Profiles"));
     QList<QDBusObjectPath> profiles;
-    colordProperty(devicePath, QStringLiteral("org.freedesktop.ColorManager.Device"), QStringLiteral("Profiles"))
-            .value<QDBusArgument>() >> profiles;
+    if (listed.metaType() == QMetaType::fromType<QDBusArgument>())
+        listed.value<QDBusArgument>() >> profiles;
+    else
+        profiles = listed.value<QList<QDBusObjectPath>>();
     if (profiles.isEmpty())
         return {};
     const QString fileName = colordProperty(profiles.first().path(), QStringLiteral("org.freedesktop.ColorManager.Profile"),
