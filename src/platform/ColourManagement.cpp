@@ -123,6 +123,8 @@ QImage shownInSrgb(QImage shown)
 
 QColorSpace screenColourSpace(const QByteArray &screenProfile)
 {
+    if (screenProfile.isEmpty())
+        return QColorSpace(QColorSpace::SRgb); // the usual case: no warning from Qt's parser
     const QColorSpace screen = QColorSpace::fromIccProfile(screenProfile);
     return screen.isValid() ? screen : QColorSpace(QColorSpace::SRgb);
 }
