@@ -9,10 +9,9 @@
 
 // A colour conversion between two RGB profiles made of three curves and a
 // matrix (nearly every photo and display profile: sRGB, Display P3, Adobe
-// RGB), precomputed for 8-bit pixels: a table from each stored level to
-// linear light, one 3x3 matrix in fixed point, and a table from linear light
-// back to levels. A whole 24-megapixel photo converts in a fraction of its
-// decoding time; general converters work a pixel at a time in floating point.
+// RGB), precomputed for 8-bit pixels: the curves and the matrix folded into
+// one table per stored channel, and a table from linear light back to
+// levels. General converters work each pixel out in floating point.
 class MatrixShaperTransform
 {
 public:
