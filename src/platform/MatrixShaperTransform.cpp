@@ -181,7 +181,9 @@ std::shared_ptr<const MatrixShaperTransform> MatrixShaperTransform::between(cons
     const std::lock_guard lock(mutex);
     if (cache.size() >= CacheSize)
         cache.erase(cache.begin());
-    cache.push_back({sourceProfile, targetProfile, made});
+    // Copies of their own: the caller's bytes may be a view of a buffer freed later.
+    cache.push_back({QByteArray(sourceProfile.constData(), sourceProfile.size()),
+                     QByteArray(targetProfile.constData(), targetProfile.size()), made});
     return made;
 }
 
