@@ -185,7 +185,8 @@ TEST(TodaysPictures, ThumbnailsAreInSrgbToo)
     const ThumbnailCache cache(cacheRoot.path());
     for (const char *file : {"sharp-fixtures/prophoto.png", "libheif-tests/tests/rainbow-451x461.heic",
                              "libjxl-conformance/grayscale.jxl", "pillow-tests-modern/webp/hopper.webp",
-                             "librsvg-tests/real-world/gnome-cool.svgz", "imagemeta-raw/sample.arw"}) {
+                             "librsvg-tests/real-world/gnome-cool.svgz", "imagemeta-raw/sample.arw",
+                             "libavif-tests/kodim03_yuv420_8bpc.avif", "image-tiff-tests/images/palette-1c-4b.tiff"}) {
         SCOPED_TRACE(file);
         const ThumbnailDecoder::Result result = ThumbnailDecoder::decode(cache, corpusFile(file), QSize(96, 96));
         ASSERT_FALSE(result.image.isNull());

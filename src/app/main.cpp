@@ -1,9 +1,11 @@
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "core/SettingsStore.h"
+#include "platform/ColourManagement.h"
 #include "platform/DataFolder.h"
 #include "platform/Launcher.h"
 #include "platform/Prompts.h"
+#include "platform/ScreenProfile.h"
 #include "viewer/StartupRules.h"
 #include "viewer/frmMain.h"
 
@@ -11,6 +13,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QIcon>
+#include <QScreen>
 
 #include <clocale>
 
@@ -29,6 +32,11 @@ int main(int argc, char *argv[])
     state.ProgramFolder = DataFolder::locate(QCoreApplication::applicationDirPath());
     if (QApplication::windowIcon().isNull())
         QApplication::setWindowIcon(QIcon(state.ProgramFolder + QStringLiteral("hicolor/scalable/vimora.svg")));
+
+    // Pictures are shown in the colours of the primary screen.
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    ColourManagement::setDisplayColourSpace(
+        ColourManagement::screenColourSpace(ScreenProfile::read(0, screen ? screen->name() : QString())));
 
     QtPrompts prompts;
     ProcessLauncher launcher;

@@ -123,7 +123,7 @@ void frmFull::MostraFullImage()
     ImgEgg->hide();
     WebBrowser1->hide();
     const QString path = m_state.currentPath();
-    if (m_state.AnimateGifs && FileTypeCatalogue::mayAnimate(m_state.FileTypeCode)) {
+    if (m_main.animatesShownFile()) {
         WebBrowser1->setGeometry(rect());
         if (WebBrowser1->location() != path)
             WebBrowser1->Navigate(path);
@@ -199,8 +199,7 @@ void frmFull::Form_MouseDown(QMouseEvent *event)
 void frmFull::ImgEgg_MouseDown(QMouseEvent *event)
 {
     // Only a still picture: an animation leaves the presses to the window.
-    const bool animated = m_state.AnimateGifs && FileTypeCatalogue::mayAnimate(m_state.FileTypeCode);
-    if (event->button() != Qt::LeftButton && !animated)
+    if (event->button() != Qt::LeftButton && !m_main.animatesShownFile())
         showPopup(event->globalPosition().toPoint());
 }
 

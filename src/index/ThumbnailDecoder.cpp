@@ -1,6 +1,7 @@
 #include "index/ThumbnailDecoder.h"
 
 #include "index/ExifThumbnail.h"
+#include "platform/ColourManagement.h"
 #include "platform/PictureLoader.h"
 
 #include <QFile>
@@ -72,6 +73,7 @@ ThumbnailDecoder::Result ThumbnailDecoder::decode(const ThumbnailCache &cache, c
         const int side = ThumbnailCache::maxSide(flavour);
         PictureLoader::Options options;
         options.fitInto = QSize(side, side);
+        options.colourSpace = QColorSpace(QColorSpace::SRgb); // the cache is shared with file managers
         PictureLoader::Picture picture = fromExifThumbnail(absolute, side);
         if (picture.isNull())
             picture = PictureLoader::load(absolute, options);
@@ -83,6 +85,7 @@ ThumbnailDecoder::Result ThumbnailDecoder::decode(const ThumbnailCache &cache, c
     }
     if (result.image.width() > box.width() || result.image.height() > box.height())
         result.image = result.image.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    result.image = ColourManagement::converted(std::move(result.image), {}, ColourManagement::displayColourSpace());
     return result;
 }
 

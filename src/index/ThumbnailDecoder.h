@@ -26,7 +26,7 @@ public:
     struct Result {
         int cell = -1;
         QString path;
-        QImage image;       // fitted into the requested box; null when the file does not decode
+        QImage image;       // fitted into the requested box, in the display's colours; null when the file does not decode
         QSize naturalSize;  // of the picture, in pixels
         bool fromCache = false;
     };

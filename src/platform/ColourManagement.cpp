@@ -1,8 +1,11 @@
 #include "platform/ColourManagement.h"
 
+#include "platform/MatrixShaperTransform.h"
+
 #include <lcms2.h>
 
 #include <memory>
+#include <mutex>
 #include <vector>
 
 namespace ColourManagement {
@@ -56,6 +59,24 @@ QImage convertedByLcms(const QImage &image, const QByteArray &sourceProfile, con
     return pixels;
 }
 
+// An RGB or grey profile LittleCMS reads: the ones convertedByLcms() takes.
+bool cmsProfileIsUsable(const QByteArray &profile)
+{
+    const Profile opened(cmsOpenProfileFromMem(profile.constData(), cmsUInt32Number(profile.size())));
+    return opened && (cmsGetColorSpace(opened.get()) == cmsSigRgbData || cmsGetColorSpace(opened.get()) == cmsSigGrayData);
+}
+
+struct Display {
+    std::mutex mutex;
+    QColorSpace space = QColorSpace(QColorSpace::SRgb);
+};
+
+Display &display()
+{
+    static Display shared;
+    return shared;
+}
+
 } // namespace
 
 QImage converted(QImage image, const QByteArray &iccProfile, const QColorSpace &target)
@@ -63,25 +84,61 @@ QImage converted(QImage image, const QByteArray &iccProfile, const QColorSpace &
     if (image.isNull() || !target.isValid())
         return image;
     QColorSpace source = image.colorSpace();
-    if (!source.isValid() && !iccProfile.isEmpty()) {
+    QByteArray sourceProfile = source.isValid() ? source.iccProfile() : iccProfile;
+    if (!source.isValid() && !iccProfile.isEmpty())
         source = QColorSpace::fromIccProfile(iccProfile);
-        if (source.isValid())
-            image.setColorSpace(source);
+    const bool lcmsOnly = !source.isValid() && !iccProfile.isEmpty() && cmsProfileIsUsable(iccProfile);
+    if (!source.isValid() && !lcmsOnly) {
+        // Without a usable profile the numbers are sRGB's, as on the web.
+        source = QColorSpace(QColorSpace::SRgb);
+        sourceProfile = source.iccProfile();
     }
-    if (source.isValid()) {
+    if (!lcmsOnly && source == target)
+        return image;
+    if (MatrixShaperTransform::takes(image.format())
+        || image.format() == QImage::Format_ARGB32_Premultiplied) {
+        if (const auto fast = MatrixShaperTransform::between(sourceProfile, target.iccProfile())) {
+            if (image.format() == QImage::Format_ARGB32_Premultiplied)
+                image.convertTo(QImage::Format_ARGB32); // curves apply to colours, not to colours times alpha
+            fast->apply(image);
+            image.setColorSpace(target);
+            return image;
+        }
+    }
+    if (!lcmsOnly) {
+        image.setColorSpace(source);
         // In place: a 24-megapixel copy costs as much as a third of the conversion.
-        if (source != target)
-            image.convertToColorSpace(target);
+        image.convertToColorSpace(target);
         return image;
     }
     QImage byLcms = convertedByLcms(image, iccProfile, target);
     return byLcms.isNull() ? image : byLcms;
 }
 
-QColorSpace displayColourSpace(const QByteArray &screenProfile)
+QImage shownInSrgb(QImage shown)
 {
+    shown.setColorSpace(displayColourSpace());
+    return converted(std::move(shown));
+}
+
+QColorSpace screenColourSpace(const QByteArray &screenProfile)
+{
+    if (screenProfile.isEmpty())
+        return QColorSpace(QColorSpace::SRgb); // the usual case: no warning from Qt's parser
     const QColorSpace screen = QColorSpace::fromIccProfile(screenProfile);
     return screen.isValid() ? screen : QColorSpace(QColorSpace::SRgb);
+}
+
+void setDisplayColourSpace(const QColorSpace &space)
+{
+    const std::lock_guard lock(display().mutex);
+    display().space = space.isValid() ? space : QColorSpace(QColorSpace::SRgb);
+}
+
+QColorSpace displayColourSpace()
+{
+    const std::lock_guard lock(display().mutex);
+    return display().space;
 }
 
 } // namespace ColourManagement

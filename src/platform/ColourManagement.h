@@ -10,13 +10,20 @@ namespace ColourManagement {
 
 // `image` in `target`, from the colour space Qt read with it or else from
 // `iccProfile`; through lcms2 when Qt cannot use the profile (lookup-table
-// profiles, for one). A picture with neither comes back unchanged, and so
-// does one whose profile neither can use.
+// profiles, for one). A picture with neither, or with a profile neither can
+// use, is taken as sRGB, so it comes back unchanged when `target` is sRGB.
 QImage converted(QImage image, const QByteArray &iccProfile = {},
                  const QColorSpace &target = QColorSpace(QColorSpace::SRgb));
 
-// The display's colour space from the ICC profile the desktop gives its
-// screen (X11's _ICC_PROFILE); sRGB when there is none or it is unusable.
-QColorSpace displayColourSpace(const QByteArray &screenProfile);
+// The colour space of the ICC profile the desktop gives a screen; sRGB when
+// there is none or Qt cannot use it (a display profile of lookup tables).
+QColorSpace screenColourSpace(const QByteArray &screenProfile);
+
+// What the screen shows (a grab of the window), back in sRGB.
+QImage shownInSrgb(QImage shown);
+
+// The screen's colour space, for every picture shown; sRGB until set.
+void setDisplayColourSpace(const QColorSpace &space);
+QColorSpace displayColourSpace();
 
 } // namespace ColourManagement

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/ColourManagement.h"
+
 #include <QColorSpace>
 #include <QFuture>
 #include <QImage>
@@ -13,8 +15,8 @@
 // and SVGZ, HEIC, HEIF and AVIF (HeifDecoder), JPEG XL (JpegXlDecoder) and
 // camera RAW (RawDecoder). The decoder is chosen by the content; the
 // extension only breaks ties. A file that does not decode gives a null
-// picture and no message. Pictures with a colour profile come converted to
-// Options::colourSpace.
+// picture and no message. Pictures come converted to Options::colourSpace
+// (those without a profile taken as sRGB).
 namespace PictureLoader {
 
 // Larger pictures are refused before any pixel is allocated: 256 megapixels
@@ -37,8 +39,9 @@ struct Options {
     bool enlargeDrawings = false;
     // Metafiles and SVG drawings that take longer to draw count as broken.
     int metafileTimeLimitMs = 5000;
-    // The colours pictures with a profile are converted to: the display's.
-    QColorSpace colourSpace = QColorSpace(QColorSpace::SRgb);
+    // The colours pictures are converted to: the display's, unless the
+    // picture leaves the screen in sRGB (the clipboard, the thumbnail cache).
+    QColorSpace colourSpace = ColourManagement::displayColourSpace();
 };
 
 struct Picture {

@@ -245,6 +245,9 @@ public:
     void MediaPlayer1_MouseUp(QMouseEvent *event);
     void MediaPlayer1_KeyPress(QKeyEvent *event);
     frmFull *fullView() const; // null unless loaded
+    // The file on show plays in the animation view: a GIF, or a WebP of
+    // several frames, with chkAnim on. A still WebP stays a picture.
+    bool animatesShownFile() const;
     // Hides or shows this window and the index window with it.
     void setMainWindowsVisible(bool visible);
     // Called each time the full-screen window is made, after its commands

@@ -14,6 +14,7 @@
 #include "index/IndexRules.h"
 #include "index/frmIndex.h"
 #include "output/PictureOutput.h"
+#include "platform/ColourManagement.h"
 #include "platform/MoviePlayer.h"
 #include "platform/PictureLoader.h"
 #include "system/AssociationGroups.h"
@@ -26,9 +27,12 @@
 
 namespace {
 
-QImage pictureOf(const QString &path)
+// In the display's colours for printing and the wallpaper, in sRGB for other programs.
+QImage pictureOf(const QString &path, const QColorSpace &colours = ColourManagement::displayColourSpace())
 {
-    return PictureLoader::load(path).image;
+    PictureLoader::Options options;
+    options.colourSpace = colours;
+    return PictureLoader::load(path, options).image;
 }
 
 // Where the rename box opens: over the cell's name.
@@ -92,7 +96,7 @@ void frmMain::wireIndexCommands(frmIndex *index)
     // Picture output.
     index->onClipboard = [index](const QString &path) {
         QGuiApplication::clipboard()->clear();
-        QImage picture = pictureOf(path);
+        QImage picture = pictureOf(path, QColorSpace(QColorSpace::SRgb));
         const int cell = index->cellOfPath(path);
         if (picture.isNull() && cell >= 0 && index->cells[cell].movie)
             picture = index->cells[cell].MediaPlayer1->currentFrame(); // the frame the cell shows

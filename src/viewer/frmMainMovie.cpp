@@ -258,6 +258,12 @@ void frmMain::chkAnim_Click()
     }
 }
 
+bool frmMain::animatesShownFile() const
+{
+    return m_state.AnimateGifs && FileTypeCatalogue::mayAnimate(m_state.FileTypeCode) && !WebBrowser1->isEmpty()
+        && (m_state.FileTypeCode == u"GIF" || WebBrowser1->frameCount() > 1);
+}
+
 // A GIF or WebP goes to the animation view as well; which of the two is
 // seen follows chkAnim. A still WebP stays a picture, to be zoomed and panned.
 void frmMain::showAnimation(const QString &path)
@@ -266,8 +272,7 @@ void frmMain::showAnimation(const QString &path)
     m_state.AnimateGifs = chkAnim->isChecked();
     if (m_state.FullScreenActive)
         return;
-    const bool animate = m_state.AnimateGifs && !WebBrowser1->isEmpty()
-        && (m_state.FileTypeCode == u"GIF" || WebBrowser1->frameCount() > 1);
+    const bool animate = animatesShownFile();
     WebBrowser1->setVisible(animate);
     if (animate) {
         WebBrowser1->raise();

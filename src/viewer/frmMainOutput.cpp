@@ -11,6 +11,7 @@
 #include "output/PrintCommand.h"
 #include "output/Wallpaper.h"
 #include "output/clsCommonDialog.h"
+#include "platform/ColourManagement.h"
 #include "platform/MoviePlayer.h"
 #include "platform/PictureLoader.h"
 #include "platform/Prompts.h"
@@ -32,6 +33,15 @@ using OutputRules::Numbered;
 
 namespace {
 constexpr int FrameWaitMs = 2000; // a paused movie shows its frame within this
+
+// What leaves the program for other programs (the clipboard) is in sRGB.
+PictureLoader::Options inSrgb()
+{
+    PictureLoader::Options options;
+    options.colourSpace = QColorSpace(QColorSpace::SRgb);
+    return options;
+}
+
 } // namespace
 
 void frmMain::connectOutputHandlers()
@@ -193,7 +203,7 @@ QImage frmMain::areaPicture(QWidget *target)
 
 void frmMain::Copia_Area(const QString &fileName, QWidget *target)
 {
-    PictureOutput::saveBitmap(areaPicture(target), fileName); // a failure is not reported
+    PictureOutput::saveBitmap(ColourManagement::shownInSrgb(areaPicture(target)), fileName); // a failure is not reported
 }
 
 // ---------------------------------------------------------------- movie frames
@@ -263,7 +273,7 @@ void frmMain::cmdClip_Click()
     } else if (m_state.FileTypeCode == u"ICO" || m_state.FileTypeCode == u"CUR") {
         picture = grab(ImgEgg->geometry()).toImage(); // as shown, over the window's background
     } else if (m_state.FileTypeCode != u"PPT") {
-        picture = PictureLoader::load(m_state.currentPath()).image; // the stored resolution, not the zoom
+        picture = PictureLoader::load(m_state.currentPath(), inSrgb()).image; // the stored resolution, not the zoom
         if (picture.isNull() && !QFileInfo::exists(m_state.currentPath()))
             m_prompts.ask({m_state.messages.GetMsg(1022, QStringLiteral("File Not Found !")), PromptButtons::Ok,
                            PromptIcon::Critical});
@@ -279,7 +289,7 @@ void frmMain::mnuCropClip_Click()
     if (!m_state.CropSelectionActive)
         return;
     stopSlideTimer();
-    const QImage area = areaPicture(cropTarget());
+    const QImage area = ColourManagement::shownInSrgb(areaPicture(cropTarget()));
     if (!area.isNull())
         PictureOutput::putOnClipboard(area);
     endOutputCommand(false);

@@ -4,9 +4,11 @@
 #include "files/TrashInfo.h"
 #include "index/ExifThumbnail.h"
 #include "index/ThumbnailCache.h"
+#include "platform/ColourManagement.h"
 #include "platform/EmfRenderer.h"
 #include "platform/HeifDecoder.h"
 #include "platform/JpegXlDecoder.h"
+#include "platform/MatrixShaperTransform.h"
 #include "platform/RawDecoder.h"
 #include "platform/SvgRenderer.h"
 #include "platform/MetafileAnswer.h"
@@ -242,6 +244,21 @@ void svg(const QByteArray &input)
             "the SVG picture fits the bound");
 }
 
+void iccProfile(const QByteArray &input)
+{
+    // A profile from a picture or from the screen converts a picture or
+    // leaves it as it was; the screen always has a colour space.
+    QImage picture(5, 3, QImage::Format_ARGB32);
+    picture.fill(QColor(200, 90, 40, 128));
+    require(ColourManagement::converted(picture, input).size() == picture.size(), "a profile keeps the picture's size");
+    const QColorSpace screen = ColourManagement::screenColourSpace(input);
+    require(screen.isValid(), "a screen of any profile has a colour space");
+    require(ColourManagement::converted(picture, {}, screen).size() == picture.size(),
+            "the screen's colours keep the picture's size");
+    if (const auto fast = MatrixShaperTransform::between(input, QColorSpace(QColorSpace::SRgb).iccProfile()))
+        fast->apply(picture);
+}
+
 void trashInfo(const QByteArray &input)
 {
     const QString path = TrashInfo::originalPath(input, QStringLiteral("/media/stick"));
@@ -252,7 +269,7 @@ void trashInfo(const QByteArray &input)
 
 std::span<const Target> all()
 {
-    static const std::array<Target, 15> targets = {{
+    static const std::array<Target, 16> targets = {{
         {"rle", rleBitmap},
         {"icon", icon},
         {"wmf", wmf},
@@ -268,6 +285,7 @@ std::span<const Target> all()
         {"raw", raw},
         {"svg", svg},
         {"trash_info", trashInfo},
+        {"icc_profile", iccProfile},
     }};
     return targets;
 }

@@ -31,6 +31,7 @@ void jpegXl(const QByteArray &input);
 void raw(const QByteArray &input);
 void svg(const QByteArray &input);
 void trashInfo(const QByteArray &input);
+void iccProfile(const QByteArray &input);
 
 std::span<const Target> all();
 
