@@ -1,6 +1,7 @@
 // Runs at the scale factor of its environment: ctest runs it again under
 // QT_SCALE_FACTOR 1.5 and 2 (tests/CMakeLists.txt).
 #include "fullscreen/frmFull.h"
+#include "index/ThumbnailCache.h"
 #include "index/frmIndex.h"
 #include "platform/MoviePlayer.h"
 #include "support/MainWindowFixture.h"
@@ -159,6 +160,34 @@ TEST(HiDpiWindow, ThumbnailsAreMadeAtTheDeviceSizeOfTheirCellAndDrawnUnscaled)
     const QString flavour = qMax(cell.width(), cell.height()) * ratio > 128 ? "large" : "normal";
     EXPECT_TRUE(QTest::qWaitFor([&] { return !QDir(cache + flavour).entryList({"*.png"}).isEmpty(); }, 5000))
         << flavour.toStdString();
+}
+
+TEST(HiDpiWindow, ThumbnailsAlreadyInTheCacheAreReadInTheFlavourTheCellNeeds)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("pics");
+    const QString photo = fixture.makePicture(folder, "photo.jpg", {1200, 800});
+    // As a file manager left them: a green normal one and a magenta large one.
+    const ThumbnailCache cache;
+    const auto plain = [](QSize size, QColor colour) {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(colour);
+        return image;
+    };
+    ASSERT_TRUE(cache.write(photo, ThumbnailCache::Flavour::Normal, plain({128, 85}, Qt::green), {1200, 800}));
+    ASSERT_TRUE(cache.write(photo, ThumbnailCache::Flavour::Large, plain({256, 171}, Qt::magenta), {1200, 800}));
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(photo);
+    QTest::keyClick(&window, Qt::Key_T, Qt::AltModifier);
+    frmIndex *index = window.indexWindow();
+    ASSERT_NE(index, nullptr);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading() && !index->cells[0].Image1->pixmap().isNull(); },
+                                20000));
+    const QLabel &cell = *index->cells[0].Image1;
+    const qreal ratio = index->devicePixelRatioF();
+    const QImage shown = cell.pixmap().toImage();
+    const QColor expected = qMax(cell.width(), cell.height()) * ratio > 128 ? Qt::magenta : Qt::green;
+    EXPECT_EQ(shown.pixelColor(shown.width() / 2, shown.height() / 2), expected) << ratio;
 }
 
 TEST(HiDpiWindow, TheFullScreenViewHoldsAndDrawsThePictureAtDeviceResolution)

@@ -17,8 +17,8 @@ window=""
 start() {
     QT_SCALE_FACTOR=$1 "$vimora" "$work/pictures/a.jpg" &
     pid=$!
-    for _ in $(seq 1 150); do
-        window=$(xdotool search --onlyvisible --pid "$pid" --name " a.jpg  - Vimora " 2>/dev/null | head -n1) || true
+    for _ in $(seq 1 300); do
+        window=$(xdotool search --pid "$pid" --name " a.jpg  - Vimora " 2>/dev/null | head -n1) || true
         [[ -n "$window" ]] && return 0
         sleep 0.1
     done
