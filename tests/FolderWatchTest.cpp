@@ -1,9 +1,12 @@
 // The shown folder as other programs change it.
 #include "index/frmIndex.h"
+#include "platform/Drives.h"
 #include "support/MainWindowFixture.h"
+#include "viewer/FolderListing.h"
 #include "viewer/FolderWatch.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QSignalSpy>
@@ -76,6 +79,40 @@ TEST_F(LiveFolder, FilesOtherProgramsAddRemoveOrRenameJoinOrLeaveTheListInTheirP
     EXPECT_EQ(fixture.state->FileNames, QStringList({"0.bmp", "b.bmp"}));
 }
 
+TEST_F(LiveFolder, TheIndexPageAndItsCountAndSizeFollowWithinASecond)
+{
+    frmMain &window = start({"a.bmp", "c.bmp"});
+    window.cmdIndex->click();
+    frmIndex &index = *window.indexWindow();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 20000));
+    const auto summaryNow = [&] {
+        double bytes = 0;
+        const QFileInfoList files = QDir(folder).entryInfoList(QDir::Files);
+        for (const QFileInfo &file : files)
+            bytes += double(file.size());
+        return FolderSummaryText(int(files.size()), bytes);
+    };
+    const auto pageShows = [&](const QString &name, bool there) {
+        return !index.pageLoading() && (index.cellOfPath(folder + '/' + name) >= 0) == there
+            && index.LabLoad->text().endsWith(" / " + summaryNow());
+    };
+
+    QElapsedTimer clock;
+    clock.start();
+    writeElsewhere("b.bmp");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return pageShows("b.bmp", true); }, 1000)) << index.LabLoad->text().toStdString();
+    EXPECT_EQ(index.cellOfPath(folder + "/b.bmp"), 1); // in its place between a and c
+    EXPECT_LT(clock.elapsed(), 1000);
+
+    clock.restart();
+    ASSERT_TRUE(QFile::rename(folder + "/c.bmp", folder + "/0.bmp"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return pageShows("c.bmp", false) && pageShows("0.bmp", true); }, 1000))
+        << index.LabLoad->text().toStdString();
+    EXPECT_EQ(index.cellOfPath(folder + "/0.bmp"), 0);
+    EXPECT_LT(clock.elapsed(), 1000);
+    EXPECT_EQ(window.LabNum->text(), " 2/3 ");
+}
+
 TEST_F(LiveFolder, AFileOnShowRemovedElsewhereGivesWayToTheNextAsAfterDelete)
 {
     frmMain &window = start({"a.bmp", "b.bmp", "c.bmp"});
@@ -128,4 +165,26 @@ TEST_F(LiveFolder, VimorasOwnChoresAreNotListedTwice)
     ASSERT_TRUE(settled.wait(3000)); // the deletion's own inotify events, settled
     EXPECT_EQ(changed.count(), 0);
     EXPECT_EQ(reread.count(), 1);
+}
+
+TEST_F(LiveFolder, NetworkAndOpticalFoldersAreLeftToF5AsInotifyDoesNotHearThem)
+{
+    for (const bool network : {true, false}) {
+        MainWindowFixture mounted;
+        const QString root = mounted.makeFolder("mounted");
+        mounted.makeFiles(root, {"a.bmp"});
+        mounted.settings().write("UserDef", "Language", "EN");
+        const Drive drive{root, "share", !network, true, network};
+        mounted.beforeLoad = [&](frmMain &window) { window.setDriveSource([&] { return QList<Drive>{drive}; }); };
+        frmMain &window = mounted.start(root + "/a.bmp");
+        ASSERT_TRUE(QTest::qWaitFor([&] { return window.LabNum->text() == " 1/1 "; }, 5000));
+        EXPECT_TRUE(window.folderWatch().folder().isEmpty()) << network;
+
+        mounted.makeFiles(root, {"b.bmp"});
+        QTest::keyClick(&window, Qt::Key_F5);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window.LabNum->text() == " 1/2 "; }, 5000)) << network;
+    }
+    start({"a.bmp"}); // on a local disc: watched
+    EXPECT_EQ(fixture.state->CurrentFolder, folder);
+    EXPECT_EQ(fixture.window().folderWatch().folder(), folder);
 }

@@ -2,10 +2,16 @@
 // QT_SCALE_FACTOR 1.5 and 2 (tests/CMakeLists.txt).
 #include "display/ViewGeometry.h"
 #include "fullscreen/frmFull.h"
+#include "index/ThumbnailCache.h"
 #include "index/frmIndex.h"
+#include "platform/MoviePlayer.h"
 #include "support/MainWindowFixture.h"
+#include "support/TestClips.h"
 
 #include <QDir>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QMouseEvent>
 #include <QImage>
 #include <QLabel>
 #include <QScreen>
@@ -34,6 +40,26 @@ int pixelsDifferent(const QImage &a, const QImage &b)
     return different;
 }
 
+// Each pixel tells where it lies: red its column, green its row.
+QImage positionPicture(QSize size)
+{
+    QImage picture(size, QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width(); ++x)
+            picture.setPixel(x, y, qRgb(x, y, 77));
+    return picture;
+}
+
+// A drag over the picture in crop mode, as the user makes it.
+void dragOver(QWidget *picture, QPoint from, QPoint to)
+{
+    QTest::mousePress(picture, Qt::LeftButton, {}, from);
+    QMouseEvent move(QEvent::MouseMove, QPointF(to), picture->mapToGlobal(QPointF(to)), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QCoreApplication::sendEvent(picture, &move);
+    QTest::mouseRelease(picture, Qt::LeftButton, {}, to);
+}
+
 } // namespace
 
 TEST(ViewGeometryAtScale, PicturePixelsAreDevicePixelsWhileTheLayoutStaysLogical)
@@ -51,6 +77,14 @@ TEST(ViewGeometryAtScale, PicturePixelsAreDevicePixelsWhileTheLayoutStaysLogical
     }
     EXPECT_EQ(ViewGeometry::logicalSize(301, 301, 1.5), QSize(200, 200)); // a fraction of a pixel dropped
     EXPECT_EQ(twips.devicePixels(0).perPixelX, 15);
+    // That dropped fraction is no reason to resample the picture; a real shrink is.
+    EXPECT_TRUE(ViewGeometry::coversAtActualSize({300, 300}, {301, 301}, 1.5));
+    EXPECT_TRUE(ViewGeometry::coversAtActualSize({300, 200}, {301, 201}, 2));
+    EXPECT_TRUE(ViewGeometry::coversAtActualSize({300, 200}, {300, 200}, 1));
+    EXPECT_FALSE(ViewGeometry::coversAtActualSize({300, 200}, {301, 200}, 1));
+    EXPECT_FALSE(ViewGeometry::coversAtActualSize({298, 200}, {301, 200}, 2));
+    EXPECT_FALSE(ViewGeometry::coversAtActualSize({302, 200}, {301, 200}, 2));
+    EXPECT_FALSE(ViewGeometry::coversAtActualSize({0, 0}, {}, 2));
     // Centimetres from the screen's physical size when it reports one.
     EXPECT_NEAR(ViewGeometry::displayedCentimetres(254, 254, twips), 2.54, 1e-9);
     EXPECT_NEAR(ViewGeometry::displayedCentimetres(96, 0, twips), 2.54, 1e-9);
@@ -88,6 +122,23 @@ TEST(HiDpiWindow, FitsTheWorkAreaAndShowsOnePicturePixelPerDevicePixelAt100Perce
     }
 }
 
+TEST(HiDpiWindow, APictureOfAnOddSizeIsNotResampledAt100Percent)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("pics");
+    const QImage board = checkerboard({97, 73}); // a fraction of a logical pixel over at 1.5 and 2
+    ASSERT_TRUE(board.save(folder + "/odd.bmp"));
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/odd.bmp");
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    QTest::keyClick(&window, Qt::Key_L, Qt::AltModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.LabZoom->text() == " 100% "; }, 5000));
+    const QImage shown = window.ImgEgg->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    ASSERT_GE(shown.width(), 96);
+    ASSERT_GE(shown.height(), 72);
+    EXPECT_EQ(pixelsDifferent(shown, board.copy(shown.rect())), 0) << window.devicePixelRatioF();
+}
+
 TEST(HiDpiWindow, ThumbnailsAreMadeAtTheDeviceSizeOfTheirCellAndDrawnUnscaled)
 {
     MainWindowFixture fixture;
@@ -111,6 +162,34 @@ TEST(HiDpiWindow, ThumbnailsAreMadeAtTheDeviceSizeOfTheirCellAndDrawnUnscaled)
         << flavour.toStdString();
 }
 
+TEST(HiDpiWindow, ThumbnailsAlreadyInTheCacheAreReadInTheFlavourTheCellNeeds)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("pics");
+    const QString photo = fixture.makePicture(folder, "photo.jpg", {1200, 800});
+    // As a file manager left them: a green normal one and a magenta large one.
+    const ThumbnailCache cache;
+    const auto plain = [](QSize size, QColor colour) {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(colour);
+        return image;
+    };
+    ASSERT_TRUE(cache.write(photo, ThumbnailCache::Flavour::Normal, plain({128, 85}, Qt::green), {1200, 800}));
+    ASSERT_TRUE(cache.write(photo, ThumbnailCache::Flavour::Large, plain({256, 171}, Qt::magenta), {1200, 800}));
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(photo);
+    QTest::keyClick(&window, Qt::Key_T, Qt::AltModifier);
+    frmIndex *index = window.indexWindow();
+    ASSERT_NE(index, nullptr);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading() && !index->cells[0].Image1->pixmap().isNull(); },
+                                20000));
+    const QLabel &cell = *index->cells[0].Image1;
+    const qreal ratio = index->devicePixelRatioF();
+    const QImage shown = cell.pixmap().toImage();
+    const QColor expected = qMax(cell.width(), cell.height()) * ratio > 128 ? Qt::magenta : Qt::green;
+    EXPECT_EQ(shown.pixelColor(shown.width() / 2, shown.height() / 2), expected) << ratio;
+}
+
 TEST(HiDpiWindow, TheFullScreenViewHoldsAndDrawsThePictureAtDeviceResolution)
 {
     MainWindowFixture fixture;
@@ -126,4 +205,77 @@ TEST(HiDpiWindow, TheFullScreenViewHoldsAndDrawsThePictureAtDeviceResolution)
     EXPECT_GE(shown.picture().width(), int(shown.width() * ratio) - 2) << ratio;
     const QImage drawn = shown.grab().toImage();
     EXPECT_EQ(drawn.size(), (QSizeF(shown.size()) * ratio).toSize());
+}
+
+TEST(HiDpiWindow, ACroppedAreaHoldsThePicturesOwnPixelsOnePerDevicePixel)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("pics");
+    const QImage original = positionPicture({240, 180}); // whole logical pixels at 1, 1.5 and 2
+    ASSERT_TRUE(original.save(folder + "/places.bmp"));
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/places.bmp");
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    QTest::keyClick(&window, Qt::Key_L, Qt::AltModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.LabZoom->text() == " 100% "; }, 5000));
+    const qreal ratio = window.devicePixelRatioF();
+
+    window.cmdRitaglia->click();
+    dragOver(window.ImgEgg, {20, 14}, {80, 54}); // from half a device pixel at 1.5
+    fixture.prompts.files = {folder + "/area.bmp"};
+    window.mnuCropSave->trigger();
+    const QImage saved = QImageReader(folder + "/area.bmp").read().convertToFormat(QImage::Format_RGB32);
+    ASSERT_FALSE(saved.isNull());
+
+    // The selection's size in device pixels, from where the drag began.
+    EXPECT_NEAR(saved.width(), 60 * ratio, 1) << ratio;
+    EXPECT_NEAR(saved.height(), 40 * ratio, 1) << ratio;
+    const QPoint first(qRed(saved.pixel(0, 0)), qGreen(saved.pixel(0, 0)));
+    EXPECT_NEAR(first.x(), 21 * ratio, 1) << ratio;
+    EXPECT_NEAR(first.y(), 15 * ratio, 1) << ratio;
+    // Unscaled and unblended: every pixel is the picture's own, in order.
+    ASSERT_TRUE(QRect(QPoint(0, 0), original.size()).contains(QRect(first, saved.size()))) << ratio;
+    EXPECT_EQ(pixelsDifferent(saved, original.copy(QRect(first, saved.size()))), 0) << ratio;
+}
+
+TEST(HiDpiWindow, AMovieAtActualSizeShowsOneVideoPixelPerDevicePixel)
+{
+    if (!TestClips::ffmpegAvailable())
+        GTEST_SKIP() << "ffmpeg is not installed: no test clips";
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("movies");
+    fixture.makeFiles(folder, {"a.bmp"});
+    // Grey one-pixel checks, kept exact by a lossless codec.
+    ASSERT_TRUE(TestClips::run("ffmpeg", {"-v", "error", "-y", "-f", "lavfi", "-i",
+                                          "color=c=black:s=96x72:d=2:r=10,format=gray,geq=lum='255*mod(X+Y\\,2)'",
+                                          "-c:v", "ffv1", "-f", "avi", folder + "/board.avi"}));
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(folder + "/a.bmp");
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    QTest::keyClick(&window, Qt::Key_L, Qt::AltModifier); // actual size
+    QTest::keyClick(&window, Qt::Key_Down);
+    MoviePlayer &player = *window.MediaPlayer1;
+    // The label is told once the video's size is known.
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return window.windowTitle().contains("board.avi") && window.LabZoom->text() == " 100% "; }, 10000))
+        << window.windowTitle().toStdString() << " zoom " << window.LabZoom->text().toStdString();
+    const qreal ratio = player.devicePixelRatioF();
+    const QRect shown = MoviePlayer::videoFrameRect(player.naturalSize(), player.videoArea(), player.DisplaySize(), ratio);
+    EXPECT_EQ((QSizeF(shown.size()) * ratio).toSize(), QSize(96, 72)) << ratio;
+
+    // Each check on one device pixel: neighbours alternate dark and light.
+    const auto alternates = [&] {
+        const QImage drawn = player.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        const QPoint at = (QPointF(shown.topLeft()) * ratio).toPoint();
+        const bool phase = qGray(drawn.pixel(at)) > 128;
+        int wrong = 0;
+        for (int y = 0; y < 72; ++y)
+            for (int x = 0; x < 96; ++x) {
+                const int grey = qGray(drawn.pixel(at + QPoint(x, y)));
+                const bool light = ((x + y) % 2 == 0) == phase;
+                wrong += light ? grey < 192 : grey > 64;
+            }
+        return wrong;
+    };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return alternates() == 0; }, 5000)) << alternates() << " at " << ratio;
 }

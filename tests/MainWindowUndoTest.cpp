@@ -142,3 +142,18 @@ TEST_F(MainWindowUndo, ThePopupsOfferUndoOnceThereIsAChore)
     EXPECT_TRUE(QTest::qWaitFor(
         [&] { return !index.pageLoading() && index.cellOfPath(folder + "/a.bmp") >= 0; }, 20000));
 }
+
+TEST_F(MainWindowUndo, TheUndoEntriesSpeakTheUsersLanguage)
+{
+    frmMain &window = start();
+    window.cmdIndex->click();
+    frmIndex &index = *window.indexWindow();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 20000));
+    for (const auto &[language, text] : {std::pair{"IT", "Annulla"}, std::pair{"EN", "Undo"}}) {
+        fixture.prompts.languages = {language};
+        QTest::keyClick(&window, Qt::Key_F2);
+        EXPECT_EQ(window.mnuUndo->text(), text) << language;
+        EXPECT_EQ(window.favourites().mnuUndo->text(), text) << language;
+        EXPECT_EQ(index.mnuUndo->text(), text) << language;
+    }
+}

@@ -1,6 +1,7 @@
 #include "display/PictureView.h"
 
 #include "platform/PictureLoader.h"
+#include "viewer/ViewGeometry.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -86,6 +87,14 @@ void PictureView::paintEvent(QPaintEvent *event)
     // pixels, or at " 100% " each of its pixels on one device pixel.
     const qreal ratio = devicePixelRatioF();
     const QSize device = (QSizeF(size()) * ratio).toSize();
+    if (ViewGeometry::coversAtActualSize(device, m_picture.size(), ratio)) {
+        m_shrunk = QImage();
+        const QRect exposed = event->rect();
+        painter.drawImage(QRectF(exposed), m_picture,
+                          QRectF(exposed.x() * ratio, exposed.y() * ratio, exposed.width() * ratio,
+                                 exposed.height() * ratio));
+        return;
+    }
     const bool shrunk = device.width() <= m_picture.width() && device.height() <= m_picture.height()
                      && device != m_picture.size();
     if (shrunk && !m_picture.hasAlphaChannel()) {

@@ -49,6 +49,15 @@ inline QSize logicalSize(double deviceWidth, double deviceHeight, double ratio)
     return {int(deviceWidth / ratio + 1e-9), int(deviceHeight / ratio + 1e-9)};
 }
 
+// Whether a control of that device size shows the picture at its own size:
+// the picture's size less the fraction of a logical pixel that logicalSize
+// dropped. Then it is drawn pixel for pixel, never resampled by a pixel.
+inline bool coversAtActualSize(QSize device, QSize picture, double ratio)
+{
+    const auto within = [ratio](int shown, int stored) { return shown <= stored && stored - shown < qMax(1.0, ratio); };
+    return !picture.isEmpty() && within(device.width(), picture.width()) && within(device.height(), picture.height());
+}
+
 // How wide in centimetres a width of logical pixels shows on the screen:
 // from its physical size when the screen reports a plausible one, else
 // from the twips (the logical DPI).

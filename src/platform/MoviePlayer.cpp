@@ -162,8 +162,8 @@ void MoviePlayer::Private::onFrameReady()
 
 QSize MoviePlayer::Private::renderTargetSize() const
 {
-    const QRect target = videoFrameRect(q->naturalSize(), q->videoArea(), displaySize);
     const qreal ratio = q->devicePixelRatioF();
+    const QRect target = videoFrameRect(q->naturalSize(), q->videoArea(), displaySize, ratio);
     return QSize(qRound(target.width() * ratio), qRound(target.height() * ratio));
 }
 
@@ -422,11 +422,13 @@ bool MoviePlayer::hasEngine() const
     return d->engine != nullptr;
 }
 
-QRect MoviePlayer::videoFrameRect(const QSize &video, const QRect &area, int displaySize)
+QRect MoviePlayer::videoFrameRect(const QSize &video, const QRect &area, int displaySize, qreal devicePixelRatio)
 {
     if (video.isEmpty() || area.isEmpty())
         return {};
-    const QSize size = displaySize == NormalSize ? video : video.scaled(area.size(), Qt::KeepAspectRatio);
+    const qreal ratio = devicePixelRatio > 0 ? devicePixelRatio : 1;
+    const QSize size = displaySize == NormalSize ? QSize(qRound(video.width() / ratio), qRound(video.height() / ratio))
+                                                 : video.scaled(area.size(), Qt::KeepAspectRatio);
     return QRect(area.x() + (area.width() - size.width()) / 2, area.y() + (area.height() - size.height()) / 2,
                  size.width(), size.height());
 }
@@ -444,7 +446,7 @@ void MoviePlayer::paintEvent(QPaintEvent *)
     QPainter painter(this);
     const QRect area = videoArea();
     painter.fillRect(area, Qt::black);
-    const QRect target = videoFrameRect(naturalSize(), area, d->displaySize);
+    const QRect target = videoFrameRect(naturalSize(), area, d->displaySize, devicePixelRatioF());
     if (!d->loaded() || target.isEmpty())
         return;
     // Render on every paint: a paused player gets no new update, and a
@@ -452,8 +454,11 @@ void MoviePlayer::paintEvent(QPaintEvent *)
     if (!d->engine->renderFrame(d->renderTargetSize()))
         return;
     painter.setClipRect(area);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(target, d->engine->frame());
+    const QImage &frame = d->engine->frame();
+    // libmpv rendered it at the device size: a plain copy then, which
+    // smoothing would blur at a fractional ratio.
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, frame.size() != d->renderTargetSize());
+    painter.drawImage(target, frame);
 }
 
 void MoviePlayer::resizeEvent(QResizeEvent *event)

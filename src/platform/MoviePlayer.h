@@ -86,8 +86,9 @@ public:
     // Whether an mpv handle exists (a file is set and has not failed).
     bool hasEngine() const;
 
-    // Where the video goes inside the area for a video of that size.
-    static QRect videoFrameRect(const QSize &video, const QRect &area, int displaySize);
+    // Where the video goes inside the area for a video of that size, in
+    // logical pixels: at NormalSize each video pixel covers one device pixel.
+    static QRect videoFrameRect(const QSize &video, const QRect &area, int displaySize, qreal devicePixelRatio = 1);
     // The widget's area above the control bar.
     QRect videoArea() const;
 

@@ -147,8 +147,10 @@ void frmMain::fitOrActualSizeMovie()
         LabZoom->clear(); // told once the video's size is known
         return;
     }
-    const QRect drawn = MoviePlayer::videoFrameRect(natural, MediaPlayer1->videoArea(), MediaPlayer1->DisplaySize());
-    LabZoom->setText(ViewRules::zoomLabel(int(std::lround(100.0 * drawn.width() / natural.width()))));
+    const qreal ratio = devicePixelRatioF();
+    const QRect drawn =
+        MoviePlayer::videoFrameRect(natural, MediaPlayer1->videoArea(), MediaPlayer1->DisplaySize(), ratio);
+    LabZoom->setText(ViewRules::zoomLabel(int(std::lround(100.0 * drawn.width() * ratio / natural.width()))));
     layoutStatusRow();
 }
 
