@@ -149,6 +149,15 @@ TEST(CommandOffers, IndexPopupForPicturesIconsAndMovies)
     EXPECT_FALSE(index(facts)[C::Delete].enabled);
 }
 
+TEST(CommandOffers, FavouritesPopupOffersUndoOnlyWithAChore)
+{
+    FavouritesFacts facts;
+    const QString entries = "mnuOpen* mnuSave mnuMove mnuDelete mnuRename %1 SFInfo - mnuRemove mnuClear";
+    EXPECT_EQ(shown(Commands::favouritesPopup(), favourites(facts)), entries.arg("(mnuUndo)"));
+    facts.undoAvailable = true;
+    EXPECT_EQ(shown(Commands::favouritesPopup(), favourites(facts)), entries.arg("mnuUndo"));
+}
+
 TEST(CommandOffers, StateOfTheFileInHand)
 {
     EXPECT_EQ(stateOfFile(false, false, false, false, true), ViewState::EmptyList);
