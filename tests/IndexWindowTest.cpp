@@ -146,6 +146,22 @@ TEST(IndexWindow, PlaysPausesAndStopsAllMoviesOfThePage)
         EXPECT_EQ(index.cells[cell].HScroll1->value(), 0) << cell;
     }
 
+    // A cell's own buttons play, pause and stop that cell alone.
+    const int second = movies[1];
+    MoviePlayer *secondPlayer = index.cells[second].MediaPlayer1;
+    index.cells[second].cmdPlaySmall->click();
+    EXPECT_TRUE(waitForState(secondPlayer, MoviePlayer::Playing));
+    for (int cell : {movies[0], movies[2]})
+        EXPECT_EQ(index.cells[cell].MediaPlayer1->PlayState(), MoviePlayer::Paused) << cell;
+    index.cells[second].cmdPauseSmall->click();
+    EXPECT_TRUE(waitForState(secondPlayer, MoviePlayer::Paused));
+    index.cells[second].cmdPlaySmall->click();
+    ASSERT_TRUE(waitForState(secondPlayer, MoviePlayer::Playing));
+    index.cells[second].cmdStopSmall->click();
+    EXPECT_TRUE(waitForState(secondPlayer, MoviePlayer::Stopped));
+    for (int cell : {movies[0], movies[2]})
+        EXPECT_EQ(index.cells[cell].MediaPlayer1->PlayState(), MoviePlayer::Paused) << cell;
+
     // Seeking a cell's bar to half its length.
     const int first = movies[0];
     index.cells[first].HScroll1->setValue(50);

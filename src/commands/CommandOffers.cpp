@@ -100,4 +100,12 @@ Offers index(const IndexFacts &facts)
     return offers;
 }
 
+Offers favourites(const FavouritesFacts &facts)
+{
+    Offers offers;
+    offers[Command::Undo].enabled = facts.undoAvailable;
+    offers.defaultEntry = Command::Open;
+    return offers;
+}
+
 } // namespace CommandOffers

@@ -62,6 +62,12 @@ struct IndexFacts {
 };
 Offers index(const IndexFacts &facts);
 
+// The favourites window's popup; the chores to undo are the main window's.
+struct FavouritesFacts {
+    bool undoAvailable = false;
+};
+Offers favourites(const FavouritesFacts &facts);
+
 ViewState stateOfFile(bool movie, bool movieFullScreen, bool gif, bool slides, bool listEmpty);
 
 } // namespace CommandOffers

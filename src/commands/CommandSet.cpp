@@ -116,6 +116,23 @@ void CommandSet::drive(QAbstractButton *button, Command command)
     });
 }
 
+void CommandSet::drive(QAbstractButton *button, Command command, int which)
+{
+    QAction *item = make(command);
+    connect(button, &QAbstractButton::clicked, item, [this, item, which] {
+        if (beforeRun)
+            beforeRun();
+        item->setData(which);
+        item->trigger();
+    });
+}
+
+int CommandSet::which(Command command) const
+{
+    const QAction *item = action(command);
+    return item ? item->data().toInt() : -1;
+}
+
 void CommandSet::apply(const CommandOffers::Offers &offers, QMenu *menu,
                        const std::function<QString(int, const char *)> &text)
 {

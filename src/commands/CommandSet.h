@@ -52,6 +52,11 @@ public:
     QMenu *buildMenu(const QList<Command> &entries, QWidget *parent, const char *objectName);
     // A button runs the command and follows its enabled state.
     void drive(QAbstractButton *button, Command command);
+    // A button of one of several alike (a cell's): while the command runs,
+    // its action's data says which.
+    void drive(QAbstractButton *button, Command command, int which);
+    // Which one the command runs for (see drive).
+    int which(Command command) const;
 
     // Visible, enabled, checked and caption as offered; captions come from
     // the catalogue of the language in use.

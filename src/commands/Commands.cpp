@@ -53,6 +53,10 @@ constexpr std::array<Row, size_t(Command::Count)> Rows{{
     {Command::CancelSelection, "actEscape"}, {Command::Close, "actClose"},
     {Command::FolderUp, "actUp"},         {Command::ClearHistory, "actClear"},
     {Command::Help, "actHelp"},           {Command::Associations, "actLink"},
+    {Command::PlayGroup, "actPlayGroup"}, {Command::PauseGroup, "actPauseGroup"},
+    {Command::StopGroup, "actStopGroup"}, {Command::Volume, "actVolume"},
+    {Command::PlayCell, "actPlayCell"},   {Command::PauseCell, "actPauseCell"},
+    {Command::StopCell, "actStopCell"},
 }};
 
 constexpr bool rowsInOrder()

@@ -18,6 +18,8 @@ enum class Command {
     // Commands of keys and buttons only.
     Next, Back, StepNext, StepBack, SpaceKey, EnterKey, Language, Refresh, Crop, ZoomIn, ZoomOut, FocusPathBox,
     About, Index, CancelSelection, Close, FolderUp, ClearHistory, Help, Associations,
+    // The index's movie group and each movie cell's buttons.
+    PlayGroup, PauseGroup, StopGroup, Volume, PlayCell, PauseCell, StopCell,
     Count
 };
 

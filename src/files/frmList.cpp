@@ -112,11 +112,13 @@ void frmList::buildCommands()
     mnuUndo = set.wire(C::Undo, [this] { m_host.undo(); });
     // The chores are the main window's: whether one is left is asked anew
     // before the popup opens or a key runs.
-    set.beforeRun = [this] { mnuUndo->setEnabled(m_host.canUndo()); };
+    set.beforeRun = [this] {
+        commands->apply(CommandOffers::favourites({.undoAvailable = m_host.canUndo()}), SFPOPUP,
+                        [this](int number, const char *text) { return m_state.messages.GetMsg(number, QLatin1String(text)); });
+    };
     SFInfo = set.wire(C::Info, this, &frmList::SFInfo_Click);
     mnuRemove = set.wire(C::Remove, this, &frmList::cmdRemove_Click);
     mnuClear = set.wire(C::ListClear, this, &frmList::cmdAll_Click);
-    SFPOPUP->setDefaultAction(mnuOpen);
     set.wire(C::ListCopySelected, this, &frmList::cmdSave_Click);
     set.wire(C::ListMoveSelected, this, &frmList::cmdMove_Click);
     set.wire(C::ListDeleteSelected, this, &frmList::cmdDel_Click);

@@ -128,10 +128,6 @@ void frmIndex::buildControls()
     for (int cell = 0; cell < IndexRules::CellCount; ++cell)
         buildCell(cell);
 
-    connect(cmdPlay, &QToolButton::clicked, this, &frmIndex::cmdPlay_Click);
-    connect(cmdPause, &QToolButton::clicked, this, &frmIndex::cmdPause_Click);
-    connect(cmdStop, &QToolButton::clicked, this, &frmIndex::cmdStop_Click);
-    connect(cmdVol, &QToolButton::clicked, this, &frmIndex::cmdVol_Click);
     layoutControls();
 }
 
@@ -181,9 +177,6 @@ void frmIndex::buildCell(int index)
     cell.Frame2->setMouseTracking(true);
     cell.Image1->setMouseTracking(true);
 
-    connect(cell.cmdPlaySmall, &QToolButton::clicked, this, [this, index] { cmdPlaySmall_Click(index); });
-    connect(cell.cmdPauseSmall, &QToolButton::clicked, this, [this, index] { cmdPauseSmall_Click(index); });
-    connect(cell.cmdStopSmall, &QToolButton::clicked, this, [this, index] { cmdStopSmall_Click(index); });
     // Only the user's moves seek; the page resetting a bar does not.
     connect(cell.HScroll1, &QScrollBar::actionTriggered, this, [this, index] {
         QTimer::singleShot(0, this, [this, index] { HScroll1_Change(index); });

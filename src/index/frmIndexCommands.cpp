@@ -217,9 +217,23 @@ void frmIndex::wireCommands()
         if (onUndo)
             onUndo();
     });
-    for (const auto &[button, command] : {std::pair{cmdBack, C::Back}, std::pair{cmdNext, C::Next},
-                                          std::pair{cmdRefr, C::Refresh}, std::pair{cmdDir, C::DirExplore}})
+    set.wire(C::PlayGroup, this, &frmIndex::cmdPlay_Click);
+    set.wire(C::PauseGroup, this, &frmIndex::cmdPause_Click);
+    set.wire(C::StopGroup, this, &frmIndex::cmdStop_Click);
+    set.wire(C::Volume, this, &frmIndex::cmdVol_Click);
+    set.wire(C::PlayCell, [this] { cmdPlaySmall_Click(commands->which(C::PlayCell)); });
+    set.wire(C::PauseCell, [this] { cmdPauseSmall_Click(commands->which(C::PauseCell)); });
+    set.wire(C::StopCell, [this] { cmdStopSmall_Click(commands->which(C::StopCell)); });
+    for (const auto &[button, command] :
+         {std::pair{cmdBack, C::Back}, std::pair{cmdNext, C::Next}, std::pair{cmdRefr, C::Refresh},
+          std::pair{cmdDir, C::DirExplore}, std::pair{cmdPlay, C::PlayGroup}, std::pair{cmdPause, C::PauseGroup},
+          std::pair{cmdStop, C::StopGroup}, std::pair{cmdVol, C::Volume}})
         set.drive(button, command);
+    for (int index = 0; index < IndexRules::CellCount; ++index) {
+        set.drive(cells[index].cmdPlaySmall, C::PlayCell, index);
+        set.drive(cells[index].cmdPauseSmall, C::PauseCell, index);
+        set.drive(cells[index].cmdStopSmall, C::StopCell, index);
+    }
 
     const auto alt = [](Qt::Key key) { return QKeySequence(Qt::AltModifier | key); };
     set.bindKeys(C::StepBack, {Qt::Key_Up, Qt::Key_PageUp});

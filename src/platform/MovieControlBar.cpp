@@ -49,6 +49,9 @@ MovieControlBar::MovieControlBar(QWidget *parent)
     m_stop->setAutoRaise(true);
     m_playPause->setIcon(style()->standardIcon(QStyle::SP_MediaPlay));
     m_stop->setIcon(style()->standardIcon(QStyle::SP_MediaStop));
+    // Icons alone say nothing to a screen reader.
+    m_playPause->setAccessibleName(QStringLiteral("Play"));
+    m_stop->setAccessibleName(QStringLiteral("Stop"));
     m_seek->setRange(0, 0);
     m_volume->setRange(0, 100);
     m_volume->setValue(100);
@@ -81,6 +84,7 @@ void MovieControlBar::setPlaying(bool playing)
         return;
     m_playing = playing;
     m_playPause->setIcon(style()->standardIcon(playing ? QStyle::SP_MediaPause : QStyle::SP_MediaPlay));
+    m_playPause->setAccessibleName(playing ? QStringLiteral("Pause") : QStringLiteral("Play"));
 }
 
 void MovieControlBar::setTimes(double position, double duration)

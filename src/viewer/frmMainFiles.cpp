@@ -114,6 +114,9 @@ void frmMain::cmdList_Click()
     frmList &list = favourites();
     list.show();
     list.raise();
+    // Come forward with the keyboard too: Escape, F2 and the buttons' keys
+    // are the list's from the moment it shows.
+    list.activateWindow();
     list.cmdSave->setFocus(); // a disabled button simply does not take it
     m_state.ListWindowOpen = true;
     restartSlideTimerIfOn();

@@ -19,7 +19,8 @@ in_xvfb()
 # "window<TAB>title", "label<TAB>text", "button<TAB>text", ...
 screen_text()
 {
-    /usr/bin/python3 "$(dirname "${BASH_SOURCE[0]}")/screen_text.py" Vimora 2>/dev/null || true
+    # A message's lines may end in CR LF; a screen reader reads no CR.
+    { /usr/bin/python3 "$(dirname "${BASH_SOURCE[0]}")/screen_text.py" Vimora 2>/dev/null || true; } | tr -d '\r'
 }
 
 # Waits until a line of screen_text is exactly this ("label<TAB> 2/3 ");
@@ -35,6 +36,30 @@ wait_text()
     echo "after '$what': the screen never showed '$expected'; it showed:" >&2
     echo "$shown" >&2
     exit 1
+}
+
+# Waits until no line of screen_text is exactly this (a window gone).
+wait_no_text()
+{
+    local gone=$1 what=${2:-$1} shown=""
+    for _ in $(seq 1 100); do
+        shown=$(screen_text)
+        grep -qxF -- "$gone" <<<"$shown" || return 0
+        sleep 0.1
+    done
+    echo "after '$what': the screen still showed '$gone'" >&2
+    exit 1
+}
+
+# Clicks a control as a user does, found by its kind and the start of its
+# name, each step inside the one before: click_on "filler:Movie" "slider:"
+click_on()
+{
+    local at
+    at=$(/usr/bin/python3 "$(dirname "${BASH_SOURCE[0]}")/screen_text.py" Vimora --place "$@" 2>/dev/null || true)
+    [[ -n "$at" ]] || { echo "no $* on the screen to click" >&2; exit 1; }
+    # shellcheck disable=SC2086
+    xdotool mousemove $at click 1
 }
 
 # Makes $work with an empty home in English. The program ($pid) and the
