@@ -1,7 +1,7 @@
 #include "display/PictureView.h"
 
+#include "display/ViewGeometry.h"
 #include "platform/PictureLoader.h"
-#include "viewer/ViewGeometry.h"
 
 #include <QMouseEvent>
 #include <QPainter>
