@@ -121,6 +121,8 @@ void frmIndex::prepareCell(int index, const QString &path, const QString &name)
     const IndexRules::NameLabel label = IndexRules::nameLabel(name);
     cell.LabImage->setAlignment((label.centred ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignVCenter);
     cell.LabImage->setText(name);
+    // The thumbnail is read by the name of the file it shows.
+    cell.Image1->setAccessibleName(name);
     cell.LabImage->setToolTip(label.toolTip);
     cell.Frame2->show();
 
