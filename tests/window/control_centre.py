@@ -12,11 +12,17 @@ ROLES = {"button": "push button", "check": "check box", "radio": "radio button",
          "text": "text", "combo": "combo box", "menu item": "menu item", "list item": "list item"}
 
 
+# The folder tree can hold thousands of rows.
+SKIPPED = {"tree", "tree table", "tree item", "table"}
+
+
 def find(accessible, role, name):
     try:
-        if accessible.getRoleName() == role and accessible.name == name \
-                and accessible.getState().contains(pyatspi.STATE_SHOWING):
+        own = accessible.getRoleName()
+        if own == role and accessible.name == name and accessible.getState().contains(pyatspi.STATE_SHOWING):
             return accessible
+        if own in SKIPPED:
+            return None
         for i in range(accessible.childCount):
             found = find(accessible.getChildAtIndex(i), role, name)
             if found is not None:
