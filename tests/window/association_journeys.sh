@@ -63,7 +63,10 @@ unlinking_jpg_gives_the_type_back() {
     wait_for "image/jpeg gone from mimeapps.list" bash -c "! grep -q '^image/jpeg=' '$mimeapps'"
     grep -qx 'video/x-ivf=vimora.desktop;' "$mimeapps"
     wait_for "the unlinked description" grep -q '<comment>JPG/JPEG File</comment>' "$XDG_DATA_HOME/mime/image/jpeg.xml"
-    ! grep -q 'vimora-jpeg' "$XDG_DATA_HOME/mime/image/jpeg.xml"
+    if grep -q 'vimora-jpeg' "$XDG_DATA_HOME/mime/image/jpeg.xml"; then
+        echo "${FUNCNAME[0]}: image/jpeg keeps Vimora's icon" >&2
+        exit 1
+    fi
     echo "${FUNCNAME[0]}: unlinked, IVF left as it was"
 }
 

@@ -26,13 +26,14 @@ favourites_survive_a_restart() {
     wait_title " c.jpg  - Vimora " "Down again"
     press alt+a
     quit
-    grep -q "=$pictures/a.jpg\$" "$ini" && grep -q "=$pictures/c.jpg\$" "$ini"
+    grep -q "=$pictures/a.jpg\$" "$ini" && grep -q "=$pictures/c.jpg\$" "$ini" \
+        || { echo "${FUNCNAME[0]}: the settings lack a favourite" >&2; cat "$ini" >&2; exit 1; }
     start_on "$pictures/b.jpg" " b.jpg  - Vimora "
     press alt+g
     wait_text $'button\tClear List' "Alt+G"
     wait_for "a.jpg listed" shown "list item" "$pictures/a.jpg"
     shown "list item" "$pictures/c.jpg"
-    ! shown "list item" "$pictures/b.jpg"
+    if shown "list item" "$pictures/b.jpg"; then echo "${FUNCNAME[0]}: b.jpg listed" >&2; exit 1; fi
     echo "${FUNCNAME[0]}: both favourites came back"
 }
 

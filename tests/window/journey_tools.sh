@@ -28,9 +28,12 @@ start_on() {
 
 quit() {
     kill -0 "$pid" 2>/dev/null || { echo "the program ended by itself" >&2; exit 1; }
-    xdotool windowactivate --sync "$main_window" 2>/dev/null || true
-    xdotool key --clearmodifiers alt+F4
-    for _ in $(seq 1 100); do kill -0 "$pid" 2>/dev/null || { wait "$pid" || true; return 0; }; sleep 0.1; done
+    # Asked again when the keys went to a window still being raised.
+    for _ in 1 2 3; do
+        xdotool windowactivate --sync "$main_window" 2>/dev/null || true
+        xdotool key --clearmodifiers alt+F4
+        for _ in $(seq 1 50); do kill -0 "$pid" 2>/dev/null || { wait "$pid" || true; return 0; }; sleep 0.1; done
+    done
     echo "Alt+F4 did not end the program" >&2
     exit 1
 }
