@@ -38,7 +38,8 @@ favourites_survive_a_restart() {
 }
 
 # Guards: F2 left the favourites window in the old language, F2 in the index
-# left the main window in it, and the index's title lost its folder.
+# left the main window in it, and the index's title lost its folder; the type
+# filter was read with its code and patterns.
 # Expect: after each F2 and a choice, the main window's, the index's and the
 # favourites window's texts are all in the chosen language, and the index's
 # title still names the folder.
@@ -55,12 +56,15 @@ f2_from_every_window_switches_every_window() {
     wait_text $'button\tPagina precedente' "the index after F2 in the main window"
     wait_text $'button\tSvuota elenco' "the favourites after F2 in the main window"
     wait_text $'window\t '"$pictures" "the index's title after F2"
+    # The type filter is read by its label alone, in either language.
+    wait_text $'combo\tTutti i supportati' "the type filter after F2"
 
     wait_title " $pictures" "the index"
     xdotool windowactivate --sync "$found_window"
     press F2
     click button "English"
     wait_text $'button\tClear path box' "F2 in the index, English"
+    wait_text $'combo\tAll Supported' "the type filter after F2 in the index"
     wait_text $'button\tClear List' "the favourites after F2 in the index"
     wait_text $'button\tPrevious page' "the index after F2 in the index"
     wait_text $'window\t '"$pictures" "the index's title after F2 in the index"
