@@ -11,7 +11,6 @@ source "$(dirname "$0")/journey_tools.sh"
 fresh_home
 mkdir -p "$work/pictures"
 convert -size 320x240 xc:orange "$work/pictures/a.jpg"
-openbox & wm=$!
 ini=$XDG_CONFIG_HOME/Vimora/Vimora.ini
 mimeapps=$XDG_CONFIG_HOME/mimeapps.list
 
@@ -70,6 +69,7 @@ unlinking_jpg_gives_the_type_back() {
     echo "${FUNCNAME[0]}: unlinked, IVF left as it was"
 }
 
+start_window_manager
 start_on "$work/pictures/a.jpg" " a.jpg  - Vimora "
 linking_jpg_makes_vimora_the_desktops_viewer
 linking_ivf_installs_its_type

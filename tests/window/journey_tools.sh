@@ -15,11 +15,20 @@ wait_title() {
     done
     echo "$journey: no window titled '$expected'; on screen:" >&2
     screen_text | grep "^window" >&2
+    kill -0 "$pid" 2>/dev/null || echo "the program had ended" >&2
+    tail -5 "$work/vimora.log" >&2 2>/dev/null || true
     exit 1
 }
 
+# Starts openbox and waits until it manages windows, so that raising one
+# works from the first journey on.
+start_window_manager() {
+    openbox & wm=$!
+    wait_for "the window manager" bash -c "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'"
+}
+
 start_on() {
-    "$vimora" "$1" &
+    "$vimora" "$1" 2>"$work/vimora.log" &
     pid=$!
     wait_title "$2" "start on $1"
     main_window=$found_window

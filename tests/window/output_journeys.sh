@@ -21,7 +21,6 @@ echo "$*" >> "$WALLPAPER_LOG"
 STANDIN
 chmod +x "$work/bin/gsettings"
 export PATH="$work/bin:$PATH" XDG_CURRENT_DESKTOP=GNOME WALLPAPER_LOG=$work/wallpaper.log
-openbox & wm=$!
 
 clipboard_size() { xclip -selection clipboard -t image/png -o 2>/dev/null | identify -format '%wx%h' - 2>/dev/null; }
 
@@ -94,7 +93,7 @@ saving_a_dragged_area() {
 # Expect: Alt+P brings up the print dialog; where no printer exists it
 # prints to a PDF file, and Enter writes one holding the picture.
 printing_to_a_pdf_file() {
-    xdotool windowactivate --sync "$main_window"
+    xdotool windowactivate --sync "$main_window" 2>/dev/null || true
     press alt+p
     wait_title "Print" "Alt+P"
     xdotool windowactivate --sync "$found_window" 2>/dev/null || true
@@ -105,6 +104,7 @@ printing_to_a_pdf_file() {
     echo "${FUNCNAME[0]}: print.pdf holds the picture"
 }
 
+start_window_manager
 start_on "$pictures/a.jpg" " a.jpg  - Vimora "
 copying_to_the_clipboard
 setting_and_removing_the_wallpaper
