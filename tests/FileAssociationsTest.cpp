@@ -40,6 +40,8 @@ protected:
         places = FileAssociations::Places::standard();
         places.systemMimeApps.clear();
         places.programPath = "/opt/my programs/vimora";
+        places.systemMimeFolders = {root.path() + "/share/mime"};
+        places.iconSource = VIMORA_SOURCE_DIR "/resources/hicolor/scalable/mimetypes";
     }
     void TearDown() override
     {
@@ -57,6 +59,7 @@ protected:
         return MimeAppsList::load(places.userMimeApps).value("Default Applications", mime);
     }
     int backupWrites() const { return int(settings.writeLog.filter("RegBak/").size()); }
+    QString package() const { return readText(places.userMimeFolder + "/packages/vimora.xml"); }
 
     QTemporaryDir root;
     FileAssociations::Places places;
@@ -79,9 +82,11 @@ TEST_F(FileAssociationsTest, LinkingJpgWithoutDefaultWritesEntryDefaultsAndEmpty
     EXPECT_EQ(apply({"JPG"}), QSet<QString>({"JPG"}));
 
     EXPECT_EQ(userDefault("image/jpeg"), "vimora.desktop;");
-    EXPECT_EQ(settings.read("RegBak", "JPGCmd", "none"), "image/jpeg=");
-    // JPEG shares the MIME type, already ours when its turn comes.
-    EXPECT_EQ(settings.read("RegBak", "JPEGCmd", "none"), "none");
+    // Nothing to keep, yet every key is there; JPEG's type is already ours
+    // when its turn comes, and its keys are there too.
+    for (const char *key : {"JPGIcon", "JPGComm", "JPGCmd", "JPEGIcon", "JPEGComm", "JPEGCmd"})
+        EXPECT_EQ(settings.read("RegBak", key, "none"), "") << key;
+    EXPECT_EQ(settings.read("RegBak", "BMPCmd", "none"), "none");
     EXPECT_EQ(settings.read("Linked", "JPG"), "Y");
     for (const char *other : {"BMP", "GIF", "WMF", "EMF", "CUR", "RLE", "MPEG", "AVI", "IVF", "QT", "ASF", "RAM"})
         EXPECT_EQ(settings.read("Linked", other), "N") << other;
@@ -111,15 +116,56 @@ TEST_F(FileAssociationsTest, DesktopToolsFindVimoraForALinkedType)
     EXPECT_EQ(QString::fromUtf8(query.readAllStandardOutput()).trimmed(), "vimora.desktop");
 }
 
-TEST_F(FileAssociationsTest, LinkingTwiceKeepsTheFirstBackup)
+TEST_F(FileAssociationsTest, LinkingKeepsTheOldProgramIconAndNameOnceEach)
 {
     writeText(places.userMimeApps, "[Default Applications]\nimage/jpeg=org.gnome.eog.desktop;\n");
+    writeText(places.desktopEntryFolder + "/org.gnome.eog.desktop", "[Desktop Entry]\nName=Image Viewer\n");
+    writeText(places.userMimeFolder + "/image/jpeg.xml", "<mime-type type=\"image/jpeg\"><icon name=\"my-jpeg\"/></mime-type>");
     apply({"JPG"});
+    const int firstWrites = backupWrites();
     apply({"JPG"});
 
     EXPECT_EQ(settings.read("RegBak", "JPGCmd"), "image/jpeg=org.gnome.eog.desktop;");
-    EXPECT_EQ(backupWrites(), 1);
+    EXPECT_EQ(settings.read("RegBak", "JPGComm"), "image/jpeg=Image Viewer");
+    EXPECT_EQ(settings.read("RegBak", "JPGIcon"), "image/jpeg=my-jpeg");
+    EXPECT_EQ(backupWrites(), firstWrites);
     EXPECT_EQ(userDefault("image/jpeg"), "vimora.desktop;");
+}
+
+// What file managers show for a type comes from the user's MIME database.
+TEST_F(FileAssociationsTest, LinkedTypesShowVimorasDescriptionAndIconUnlinkedTheOldIcon)
+{
+    writeText(places.userMimeFolder + "/image/gif.xml", "<mime-type type=\"image/gif\"><icon name=\"my-gif\"/></mime-type>");
+    apply({"GIF", "QT", "JPG"});
+    QString text = package();
+    EXPECT_TRUE(text.contains("<mime-type type=\"image/gif\">\n    <comment>GIF File</comment>\n"
+                              "    <icon name=\"vimora-picture\"/>")) << text.toStdString();
+    // QT and MOV share a type: the later one in the table speaks for it.
+    EXPECT_TRUE(text.contains("<comment>MOV QuickTime File</comment>\n    <icon name=\"vimora-quicktime\"/>"));
+    EXPECT_FALSE(text.contains("image/bmp"));
+    EXPECT_TRUE(QFile::exists(places.userIconFolder + "/vimora-quicktime.svg"));
+
+    apply({"QT"});
+    text = package();
+    EXPECT_TRUE(text.contains("<mime-type type=\"image/gif\">\n    <comment>GIF File</comment>\n"
+                              "    <icon name=\"my-gif\"/>")) << text.toStdString();
+    EXPECT_TRUE(text.contains("<mime-type type=\"image/jpeg\">\n    <comment>JPG/JPEG File</comment>\n"
+                              "  </mime-type>")) << text.toStdString();
+}
+
+TEST_F(FileAssociationsTest, IvfGetsATypeOfItsOwnOnlyWhereTheSystemHasNone)
+{
+    if (QStandardPaths::findExecutable("update-mime-database").isEmpty())
+        GTEST_SKIP() << "update-mime-database is not installed";
+    apply({"IVF"});
+    EXPECT_TRUE(package().contains("<glob pattern=\"*.ivf\"/>")) << package().toStdString();
+    // The database was built again: the desktop finds the type by its name.
+    EXPECT_TRUE(readText(places.userMimeFolder + "/globs2").contains("video/x-ivf:*.ivf"));
+    EXPECT_EQ(userDefault("video/x-ivf"), "vimora.desktop;");
+
+    writeText(root.path() + "/share/mime/globs2", "# a system that knows\n50:video/x-indeo:*.IVF\n");
+    apply({"IVF"});
+    EXPECT_FALSE(package().contains("*.ivf"));
 }
 
 TEST_F(FileAssociationsTest, UnlinkingWhereThereWasNoDefaultRemovesOurs)

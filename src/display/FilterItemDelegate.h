@@ -2,9 +2,9 @@
 
 #include <QStyledItemDelegate>
 
-// Draws a type filter item as its label only. The items carry their code
-// and pattern list after a run of blanks, which the closed box hides by its
-// width; in the open list they would widen it across the screen.
+// Draws a type filter item as its label only. The whole item text carries
+// the code and pattern list after a run of blanks; the box keeps it as the
+// item's data and shows (and gives screen readers) the label alone.
 class FilterItemDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;

@@ -121,6 +121,7 @@ void frmIndex::buildControls()
     cmdVol = toolButton(this, QStringLiteral("cmdVol"), "audio-volume-high");
     cmdTrucco = named(new QPushButton(this), QStringLiteral("cmdTrucco"));
     cmdTrucco->setFixedSize(0, 0);
+    cmdTrucco->setAccessibleName(QStringLiteral("Vimora"));
 
     FraFondo = named(new QFrame(this), QStringLiteral("FraFondo"));
     FraFondo->installEventFilter(this);
@@ -254,6 +255,14 @@ void frmIndex::ApplyLanguage()
                                           : QLatin1Char(' ') + m_pageFolder);
     FormTexts::ApplyCaptions(this, messages);
     FormTexts::ApplyTooltips(this, messages, m_state.ShowTooltips);
+    // The cells' buttons show icons only; "Play/Pause" names both halves.
+    const QString playPause = messages.GetMsg(701, QStringLiteral("Play/Pause"));
+    const QString stop = messages.GetMsg(702, QStringLiteral("Stop"));
+    for (Cell &cell : cells) {
+        cell.cmdPlaySmall->setAccessibleName(playPause.section(QLatin1Char('/'), 0, 0));
+        cell.cmdPauseSmall->setAccessibleName(playPause.section(QLatin1Char('/'), -1));
+        cell.cmdStopSmall->setAccessibleName(stop);
+    }
 }
 
 void frmIndex::buildMenu()

@@ -64,7 +64,7 @@ void frmIndex::followMainList()
 {
     if (!m_state.IndexShown)
         return;
-    const QString filter = m_main.CboType->currentText();
+    const QString filter = m_main.typeFilterText();
     if (m_state.CurrentFolder != m_pageFolder || filter != m_pageFilter)
         IndexPage = 0;
     m_pageFolder = m_state.CurrentFolder;
@@ -79,7 +79,7 @@ void frmIndex::Carica_Preview()
     m_state.StopPreviewLoad = false;
     m_state.IndexLoading = true;
     m_pageFolder = m_state.CurrentFolder;
-    m_pageFilter = m_main.CboType->currentText();
+    m_pageFilter = m_main.typeFilterText();
     setWindowTitle(QLatin1Char(' ') + m_state.CurrentFolder);
 
     FraFondo->hide();
@@ -121,6 +121,8 @@ void frmIndex::prepareCell(int index, const QString &path, const QString &name)
     const IndexRules::NameLabel label = IndexRules::nameLabel(name);
     cell.LabImage->setAlignment((label.centred ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignVCenter);
     cell.LabImage->setText(name);
+    // The thumbnail is read by the name of the file it shows.
+    cell.Image1->setAccessibleName(name);
     cell.LabImage->setToolTip(label.toolTip);
     cell.Frame2->show();
 

@@ -57,6 +57,8 @@ MovieControlBar::MovieControlBar(QWidget *parent)
     m_volume->setValue(100);
     m_volume->setMaximumWidth(70);
     m_time->setText(movieTimeText(0, 0));
+    setControlNames(QStringLiteral("Play/Pause"), QStringLiteral("Stop"), QStringLiteral("Position"),
+                    QStringLiteral("Volume"));
 
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(2, 1, 4, 1);
@@ -105,6 +107,15 @@ void MovieControlBar::setVolume(int volume)
 {
     if (!m_volume->isSliderDown())
         m_volume->setValue(volume);
+}
+
+void MovieControlBar::setControlNames(const QString &playPause, const QString &stop, const QString &position,
+                                      const QString &volume)
+{
+    m_playPause->setAccessibleName(playPause);
+    m_stop->setAccessibleName(stop);
+    m_seek->setAccessibleName(position);
+    m_volume->setAccessibleName(volume);
 }
 
 void MovieControlBar::setMediaOpen(bool open)

@@ -22,6 +22,9 @@ public:
     void setTimes(double position, double duration);
     void setVolume(int volume);
     void setMediaOpen(bool open);
+    // What a screen reader calls the controls, which show icons only.
+    void setControlNames(const QString &playPause, const QString &stop, const QString &position,
+                         const QString &volume);
 
     bool isPlayingShown() const { return m_playing; }
     QString timeText() const;

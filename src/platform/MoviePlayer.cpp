@@ -357,6 +357,12 @@ void MoviePlayer::setAutoStart(bool on)
     d->autoStart = on;
 }
 
+void MoviePlayer::setControlNames(const QString &playPause, const QString &stop, const QString &position,
+                                  const QString &volume)
+{
+    d->bar->setControlNames(playPause, stop, position, volume);
+}
+
 bool MoviePlayer::controlBarShown() const
 {
     return d->barShown;

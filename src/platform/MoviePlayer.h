@@ -58,6 +58,8 @@ public:
     void setAutoStart(bool on);
     bool controlBarShown() const;
     void setControlBarShown(bool on);
+    void setControlNames(const QString &playPause, const QString &stop, const QString &position,
+                         const QString &volume);
     // The player's own menu (play, pause, stop, full screen) on a right
     // press that no receiver of mousePressed accepted, and full screen on a
     // double click; off while a crop rectangle is drawn.

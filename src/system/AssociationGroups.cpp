@@ -5,9 +5,11 @@
 namespace AssociationGroups {
 
 namespace {
-Extension ext(const char *code, const char *description, std::initializer_list<const char *> mimeTypes)
+Extension ext(const char *code, const char *description, const char *icon,
+              std::initializer_list<const char *> mimeTypes)
 {
-    Extension e{QString::fromLatin1(code), QString::fromLatin1(description), {}};
+    Extension e{QString::fromLatin1(code), QString::fromLatin1(description), {},
+                QStringLiteral("vimora-") + QString::fromLatin1(icon)};
     for (const char *mime : mimeTypes)
         e.mimeTypes.append(QString::fromLatin1(mime));
     return e;
@@ -19,26 +21,33 @@ const QList<Group> &groups()
     // The MIME types are those of the shared MIME database plus the older
     // aliases that some desktops still use when they look up a default.
     static const QList<Group> table{
-        {"JPG", "CheckJPG", {ext("JPG", "JPG File", {"image/jpeg"}), ext("JPEG", "JPEG File", {"image/jpeg"})}},
-        {"BMP", "CheckBMP", {ext("BMP", "Bitmap File", {"image/bmp", "image/x-bmp"})}},
-        {"GIF", "CheckGIF", {ext("GIF", "GIF File", {"image/gif"})}},
-        {"WMF", "CheckWMF", {ext("WMF", "Windows MetaFile", {"image/wmf", "image/x-wmf"})}},
-        {"EMF", "CheckEMF", {ext("EMF", "Enhanced MetaFile", {"image/emf", "image/x-emf"})}},
-        {"CUR", "CheckCUR", {ext("CUR", "Cursor File", {"image/x-win-bitmap"})}},
-        {"RLE", "CheckRLE", {ext("RLE", "Run-Length Encoded File", {"image/rle"})}},
-        {"MPEG", "chkMPEG", {ext("MPG", "MPG File", {"video/mpeg"}), ext("MPEG", "MPEG File", {"video/mpeg"})}},
-        {"AVI", "chkAVI", {ext("AVI", "AVI Movie", {"video/x-msvideo", "video/vnd.avi"})}},
-        {"IVF", "chkIVF", {ext("IVF", "Indeo Movie", {"video/x-ivf"})}},
-        {"QT", "chkQT", {ext("QT", "QT QuickTime File", {"video/quicktime"}),
-                         ext("MOV", "MOV QuickTime File", {"video/quicktime"})}},
-        {"ASF", "chkASF", {ext("ASF", "ASF Windows Media Stream", {"application/vnd.ms-asf", "video/x-ms-asf"}),
-                           ext("ASX", "ASX Windows Media Stream Redirector", {"audio/x-ms-asx", "video/x-ms-asf-plugin"})}},
-        {"RAM", "chkRAM", {ext("RAM", "RAM Real Media File", {"application/ram", "audio/x-pn-realaudio"}),
-                           ext("RA", "RA Real Media File", {"audio/vnd.rn-realaudio"}),
-                           ext("RMM", "RMM Real Media File", {"application/vnd.rn-realmedia"}),
-                           ext("RM", "RM Real Media File", {"application/vnd.rn-realmedia"})}},
+        {"JPG", "CheckJPG", {ext("JPG", "JPG File", "jpeg", {"image/jpeg"}), ext("JPEG", "JPEG File", "jpeg", {"image/jpeg"})}},
+        {"BMP", "CheckBMP", {ext("BMP", "Bitmap File", "picture", {"image/bmp", "image/x-bmp"})}},
+        {"GIF", "CheckGIF", {ext("GIF", "GIF File", "picture", {"image/gif"})}},
+        {"WMF", "CheckWMF", {ext("WMF", "Windows MetaFile", "picture", {"image/wmf", "image/x-wmf"})}},
+        {"EMF", "CheckEMF", {ext("EMF", "Enhanced MetaFile", "picture", {"image/emf", "image/x-emf"})}},
+        {"CUR", "CheckCUR", {ext("CUR", "Cursor File", "picture", {"image/x-win-bitmap"})}},
+        {"RLE", "CheckRLE", {ext("RLE", "Run-Length Encoded File", "picture", {"image/rle"})}},
+        {"MPEG", "chkMPEG", {ext("MPG", "MPG File", "mpeg", {"video/mpeg"}), ext("MPEG", "MPEG File", "mpeg", {"video/mpeg"})}},
+        {"AVI", "chkAVI", {ext("AVI", "AVI Movie", "avi", {"video/x-msvideo", "video/vnd.avi"})}},
+        {"IVF", "chkIVF", {ext("IVF", "Indeo Movie", "mpeg", {"video/x-ivf"})}},
+        {"QT", "chkQT", {ext("QT", "QT QuickTime File", "quicktime", {"video/quicktime"}),
+                         ext("MOV", "MOV QuickTime File", "quicktime", {"video/quicktime"})}},
+        {"ASF", "chkASF", {ext("ASF", "ASF Windows Media Stream", "asf", {"application/vnd.ms-asf", "video/x-ms-asf"}),
+                           ext("ASX", "ASX Windows Media Stream Redirector", "asx", {"audio/x-ms-asx", "video/x-ms-asf-plugin"})}},
+        {"RAM", "chkRAM", {ext("RAM", "RAM Real Media File", "realmedia", {"application/ram", "audio/x-pn-realaudio"}),
+                           ext("RA", "RA Real Media File", "realmedia", {"audio/vnd.rn-realaudio"}),
+                           ext("RMM", "RMM Real Media File", "realmedia", {"application/vnd.rn-realmedia"}),
+                           ext("RM", "RM Real Media File", "realmedia", {"application/vnd.rn-realmedia"})}},
     };
     return table;
+}
+
+QString unlinkedDescription(const Extension &extension)
+{
+    if (extension.code == u"JPG" || extension.code == u"JPEG")
+        return QStringLiteral("JPG/JPEG File");
+    return extension.description;
 }
 
 QStringList allMimeTypes()

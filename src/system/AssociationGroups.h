@@ -15,6 +15,7 @@ struct Extension {
     QString code;          // upper case, as the backups are keyed: "JPG"
     QString description;   // shown by file managers for the type
     QStringList mimeTypes; // the MIME types the desktop knows the extension by
+    QString icon;          // Vimora's icon for the type, by its theme name
 };
 
 struct Group {
@@ -25,6 +26,10 @@ struct Group {
 
 // In the order the dialog's OK applies them.
 const QList<Group> &groups();
+
+// What file managers call the type once Vimora no longer opens it: the
+// linked description, except that JPG and JPEG share one.
+QString unlinkedDescription(const Extension &extension);
 
 // Every MIME type of every group, for the desktop entry.
 QStringList allMimeTypes();

@@ -2,6 +2,7 @@
 
 #include "core/MessageCatalogue.h"
 #include "core/SettingsStore.h"
+#include "platform/DataFolder.h"
 #include "system/MimeAppsList.h"
 
 #include <QCoreApplication>
@@ -45,6 +46,50 @@ QString encodeBackup(const QMap<QString, QString> &backup)
     return entries.join(QLatin1Char('|'));
 }
 
+QString readText(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.read(1 << 20)) : QString();
+}
+
+// The name a file manager shows for "open with" the first of the defaults.
+QString applicationName(const QString &defaults, const Places &places)
+{
+    const QString id = defaults.split(QLatin1Char(';')).value(0).trimmed();
+    if (id.isEmpty())
+        return {};
+    for (const QString &folder : places.applicationFolders) {
+        const QString entry = folder + QLatin1Char('/') + id;
+        if (QFile::exists(entry))
+            return MimeAppsList::load(entry).value(QStringLiteral("Desktop Entry"), QStringLiteral("Name"));
+    }
+    return {};
+}
+
+QString iconInUserDatabase(const QString &mime, const Places &places)
+{
+    const QString icon = MimePackage::iconOf(readText(places.userMimeFolder + QLatin1Char('/') + mime + QStringLiteral(".xml")));
+    return icon.startsWith(QStringLiteral("vimora-")) ? QString() : icon;
+}
+
+// Adds what the types had before to one backup key; the key is written even
+// when there was nothing, so a fresh system shows it empty.
+void backUp(SettingsStore &settings, const QString &key, const QMap<QString, QString> &previous)
+{
+    static const QString missing = QStringLiteral("\x01missing");
+    const QString stored = settings.read(RegBak, key, missing);
+    QMap<QString, QString> backup = stored == missing ? QMap<QString, QString>() : decodeBackup(stored);
+    for (auto it = previous.begin(); it != previous.end(); ++it) {
+        if (it.value().isEmpty())
+            backup.remove(it.key());
+        else
+            backup.insert(it.key(), it.value());
+    }
+    const QString encoded = encodeBackup(backup);
+    if (encoded != stored)
+        settings.write(RegBak, key, encoded);
+}
+
 bool mayWrite(const QString &path)
 {
     const QFileInfo info(path);
@@ -80,6 +125,16 @@ Places Places::standard()
     places.desktopEntryFolder =
         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/applications");
     places.programPath = QCoreApplication::applicationFilePath();
+    const QString dataHome = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    places.userMimeFolder = dataHome + QStringLiteral("/mime");
+    places.applicationFolders.append(places.desktopEntryFolder);
+    for (const QString &dir : dataDirs) {
+        places.systemMimeFolders.append(dir + QStringLiteral("/mime"));
+        places.applicationFolders.append(dir + QStringLiteral("/applications"));
+    }
+    places.iconSource =
+        DataFolder::locate(QCoreApplication::applicationDirPath()) + QStringLiteral("hicolor/scalable/mimetypes");
+    places.userIconFolder = dataHome + QStringLiteral("/icons/hicolor/scalable/mimetypes");
     return places;
 }
 
@@ -131,30 +186,33 @@ bool writeDesktopEntry(const Places &places, const MessageCatalogue &messages)
 void SetFileAssociation(const AssociationGroups::Extension &extension, bool unlink, const Places &places,
                         SettingsStore &settings)
 {
-    const QString backupKey = extension.code + QStringLiteral("Cmd");
-    QMap<QString, QString> backup = decodeBackup(settings.read(RegBak, backupKey));
+    const QMap<QString, QString> commands = decodeBackup(settings.read(RegBak, extension.code + QStringLiteral("Cmd")));
     const QString own = DesktopId + QLatin1Char(';');
 
     MimeAppsList user = MimeAppsList::load(places.userMimeApps);
-    bool backupChanged = false;
+    QMap<QString, QString> previousCommands, previousIcons, previousNames;
     for (const QString &mime : extension.mimeTypes) {
         const QString current = user.value(Defaults, mime);
         if (!unlink) {
-            // A default that is already ours is not kept, so linking twice
-            // leaves the first backup as it was.
-            if (!isOurs(current) && (!backup.contains(mime) || backup.value(mime) != current)) {
-                backup.insert(mime, current);
-                backupChanged = true;
+            // A type that is already ours has nothing of its own to keep, so
+            // linking twice leaves the first backups as they were.
+            if (!isOurs(current)) {
+                previousCommands.insert(mime, current);
+                previousIcons.insert(mime, iconInUserDatabase(mime, places));
+                previousNames.insert(mime, applicationName(current, places));
             }
             user.setValue(Defaults, mime, own);
         } else if (isOurs(current)) {
             // A default the user chose after linking is left alone.
-            setOrRemove(user, mime, backup.value(mime));
+            setOrRemove(user, mime, commands.value(mime));
         }
     }
     user.save(places.userMimeApps);
-    if (backupChanged)
-        settings.write(RegBak, backupKey, encodeBackup(backup));
+    if (!unlink) {
+        backUp(settings, extension.code + QStringLiteral("Icon"), previousIcons);
+        backUp(settings, extension.code + QStringLiteral("Comm"), previousNames);
+        backUp(settings, extension.code + QStringLiteral("Cmd"), previousCommands);
+    }
 
     // The system-wide list gets the same defaults, without backups of its own.
     if (!mayWrite(places.systemMimeApps))
@@ -164,10 +222,63 @@ void SetFileAssociation(const AssociationGroups::Extension &extension, bool unli
         if (!unlink)
             system.setValue(Defaults, mime, own);
         else if (isOurs(system.value(Defaults, mime)))
-            setOrRemove(system, mime, backup.value(mime));
+            setOrRemove(system, mime, commands.value(mime));
     }
     system.save(places.systemMimeApps);
 }
+
+QList<MimePackage::Declaration> packageDeclarations(const QSet<QString> &linked, const Places &places,
+                                                   const SettingsStore &settings)
+{
+    static const QString missing = QStringLiteral("\x01missing");
+    bool systemKnowsIvf = false;
+    for (const QString &folder : places.systemMimeFolders)
+        systemKnowsIvf = systemKnowsIvf
+                         || MimePackage::globsName(readText(folder + QStringLiteral("/globs2")), QStringLiteral("*.ivf"));
+
+    QList<MimePackage::Declaration> declarations;
+    for (const AssociationGroups::Group &group : AssociationGroups::groups()) {
+        for (const AssociationGroups::Extension &extension : group.extensions) {
+            const bool isLinked = linked.contains(group.key);
+            const QString commands = settings.read(RegBak, extension.code + QStringLiteral("Cmd"), missing);
+            const bool isIvf = extension.code == u"IVF" && !systemKnowsIvf;
+            if (!isLinked && commands == missing && !isIvf)
+                continue;
+            const QMap<QString, QString> icons =
+                decodeBackup(settings.read(RegBak, extension.code + QStringLiteral("Icon")));
+            for (const QString &mime : extension.mimeTypes) {
+                MimePackage::Declaration declaration{mime,
+                                                     isLinked ? extension.description
+                                                              : AssociationGroups::unlinkedDescription(extension),
+                                                     isLinked ? extension.icon : icons.value(mime),
+                                                     {}};
+                if (isIvf)
+                    declaration.globs.append(QStringLiteral("*.ivf"));
+                // Extensions sharing a type: the later one in the table speaks for it.
+                const auto same = std::find_if(declarations.begin(), declarations.end(),
+                                               [&](const MimePackage::Declaration &d) { return d.mimeType == mime; });
+                if (same != declarations.end())
+                    *same = declaration;
+                else
+                    declarations.append(declaration);
+            }
+        }
+    }
+    return declarations;
+}
+
+namespace {
+void installTypeIcons(const Places &places)
+{
+    QDir().mkpath(places.userIconFolder);
+    const QStringList icons = QDir(places.iconSource).entryList({QStringLiteral("vimora-*.svg")}, QDir::Files);
+    for (const QString &name : icons) {
+        const QString target = places.userIconFolder + QLatin1Char('/') + name;
+        QFile::remove(target);
+        QFile::copy(places.iconSource + QLatin1Char('/') + name, target);
+    }
+}
+} // namespace
 
 QSet<QString> applyChoices(const QSet<QString> &checked, const QSet<QString> &linked, const Places &places,
                            SettingsStore &settings, const MessageCatalogue &messages)
@@ -187,6 +298,10 @@ QSet<QString> applyChoices(const QSet<QString> &checked, const QSet<QString> &li
             nowLinked.remove(group.key);
     }
     settings.flush();
+    if (!checked.isEmpty() || !linked.isEmpty()) {
+        installTypeIcons(places);
+        MimePackage::install(places.userMimeFolder, packageDeclarations(nowLinked, places, settings));
+    }
     return nowLinked;
 }
 

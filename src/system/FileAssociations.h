@@ -1,6 +1,7 @@
 #pragma once
 
 #include "system/AssociationGroups.h"
+#include "system/MimePackage.h"
 
 #include <QSet>
 #include <QString>
@@ -10,8 +11,12 @@ class SettingsStore;
 
 // Vimora as the desktop's default program for a type: a vimora.desktop entry
 // in the user's applications folder and, per MIME type, the default in
-// mimeapps.list. The previous defaults are kept in "RegBak" so that
-// unlinking puts them back.
+// mimeapps.list, with Vimora's descriptions and icons for the types in the
+// user's MIME database. What each type had before is kept in "RegBak", three
+// keys per extension: EXTCmd the default programs, EXTIcon the icon and
+// EXTComm the name the open entry showed, each as "type=value" entries
+// joined by "|" (empty when the type had none), so that unlinking puts them
+// back.
 namespace FileAssociations {
 
 inline const QString DesktopId = QStringLiteral("vimora.desktop");
@@ -21,6 +26,11 @@ struct Places {
     QString systemMimeApps;     // changed only when it exists and may be written; may be empty
     QString desktopEntryFolder; // $XDG_DATA_HOME/applications
     QString programPath;        // what the desktop entry starts
+    QString userMimeFolder;     // $XDG_DATA_HOME/mime: the database Vimora's package goes into
+    QStringList systemMimeFolders; // the other databases, to learn which types the system knows
+    QStringList applicationFolders; // where desktop entries are looked up, first wins
+    QString iconSource;         // Vimora's type icons (<name>.svg)
+    QString userIconFolder;     // where the icon theme finds them for this user
 
     static Places standard();
 };
@@ -29,6 +39,13 @@ struct Places {
 // its one argument, so a path with blanks reaches Vimora whole.
 QString execLine(const QString &programPath);
 bool writeDesktopEntry(const Places &places, const MessageCatalogue &messages);
+
+// The package declarations for the groups as they now stand: linked
+// extensions get their description and Vimora's icon; those linked once
+// keep the unlinked description and get their old icon back; IVF gets a
+// type of its own when the system has none.
+QList<MimePackage::Declaration> packageDeclarations(const QSet<QString> &linked, const Places &places,
+                                                   const SettingsStore &settings);
 
 // Links or unlinks one extension; failures to write are ignored, as the
 // remaining extensions must still be done.

@@ -274,6 +274,9 @@ void frmMain::ApplyLanguage()
     FormTexts::ApplyTooltips(this, m_state.messages, m_state.ShowTooltips);
     cmdAbout->setText(m_state.messages.GetMsg(311, QStringLiteral("A&bout")));
     cmdAbout->setAccessibleName(cmdAbout->text().remove(QLatin1Char('&')));
+    MediaPlayer1->setControlNames(m_state.messages.GetMsg(701, QStringLiteral("Play/Pause")),
+                                  m_state.messages.GetMsg(702, QStringLiteral("Stop")), QStringLiteral("Position"),
+                                  m_state.messages.GetMsg(10207, QStringLiteral("Volume")));
     layoutFrame1();
     applyLanguageToIndex();
     if (m_favourites)

@@ -81,6 +81,8 @@ public:
     QTreeView *Dir1;
     QComboBox *CboURL;
     QComboBox *CboType;
+    // The chosen filter item's whole text: label, code and patterns.
+    QString typeFilterText() const;
     QToolButton *cmdUp;
     QToolButton *cmdRefr;
     QToolButton *cmdClear;

@@ -50,14 +50,14 @@ void frmMain::Carica_ListaImages(QString name)
     m_listing = true;
     const auto listed = qScopeGuard([this] { m_listing = false; });
     watchListedFolder();
-    FolderListing listing(m_state.CurrentFolder, m_state.TypeFilterCode, CboType->currentText());
+    FolderListing listing(m_state.CurrentFolder, m_state.TypeFilterCode, typeFilterText());
     while (listing.unreadable()) {
         if (!askAfterReadError(m_state.CurrentFolder)) {
             if (fallBackToPreviousFolder())
                 return;
             break;
         }
-        listing = FolderListing(m_state.CurrentFolder, m_state.TypeFilterCode, CboType->currentText());
+        listing = FolderListing(m_state.CurrentFolder, m_state.TypeFilterCode, typeFilterText());
     }
     QString shownEarly;
     for (bool firstStep = true; !listing.step(NamesPerTurn); firstStep = false) {
@@ -104,7 +104,7 @@ void frmMain::CboType_Click()
         return;
     setWaitCursor(true);
     const QString folder = StartupRules::withoutTrailingSlash(dir1Path());
-    const QString itemText = CboType->currentText();
+    const QString itemText = typeFilterText();
     if (itemText == m_lastTypeText && folder == m_state.CurrentFolder) {
         setWaitCursor(false);
         return;
@@ -185,7 +185,7 @@ void frmMain::Dir1_Change()
         Inserisci_URL(m_state.CurrentFolder);
     m_fromHistory = false;
 
-    m_lastTypeText = CboType->currentText();
+    m_lastTypeText = typeFilterText();
     Carica_ListaImages(m_state.CurrentFileName);
     QCoreApplication::processEvents();
 

@@ -43,9 +43,9 @@ void frmMain::DropFile(const QString &path)
     m_state.BrowserReady = ready;
 
     if (file.folder == m_state.CurrentFolder) {
-        if (m_lastTypeText != CboType->currentText()) {
+        if (m_lastTypeText != typeFilterText()) {
             // The list was narrower than "All Supported": read it again.
-            m_lastTypeText = CboType->currentText();
+            m_lastTypeText = typeFilterText();
             m_pendingFileName = file.name;
             Carica_ListaImages(file.name);
             return;

@@ -10,7 +10,7 @@
 QString frmMain::showBeforeListingEnds(const QString &name)
 {
     if (!StartupRules::showsBeforeListingEnds(m_state.CurrentFolder, name, m_state.TypeFilterCode,
-                                              CboType->currentText()))
+                                              typeFilterText()))
         return {};
     // A list of the one file meanwhile, so that it is found by name.
     m_state.FileNames = QStringList{name};

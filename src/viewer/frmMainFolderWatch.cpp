@@ -50,7 +50,7 @@ void frmMain::followFolderChange()
     const int generation = ++m_listGeneration;
     m_listing = true;
     m_folderWatch->markListed();
-    FolderListing listing(m_state.CurrentFolder, m_state.TypeFilterCode, CboType->currentText());
+    FolderListing listing(m_state.CurrentFolder, m_state.TypeFilterCode, typeFilterText());
     while (!listing.unreadable() && !listing.step(NamesPerTurn)) {
         QCoreApplication::processEvents();
         if (generation != m_listGeneration)

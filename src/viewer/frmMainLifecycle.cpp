@@ -5,6 +5,7 @@
 #include "core/FormTexts.h"
 #include "core/MessageCatalogue.h"
 #include "core/SettingsStore.h"
+#include "display/FilterItemDelegate.h"
 #include "platform/Drives.h"
 #include "platform/LanguageChoice.h"
 #include "platform/MoviePlayer.h"
@@ -137,6 +138,8 @@ void frmMain::Form_Load(const QString &commandLine)
     cmdLink->setEnabled(true);
 }
 
+QString frmMain::typeFilterText() const { return CboType->currentData().toString(); }
+
 void frmMain::fillTypeFilterList()
 {
     const MessageCatalogue &messages = m_state.messages;
@@ -147,13 +150,16 @@ void frmMain::fillTypeFilterList()
     labels.allFiles = messages.GetMsg(382, labels.allFiles);
     const bool ready = m_state.BrowserReady;
     const int selected = qMax(0, CboType->currentIndex());
-    const bool lastWasSelected = m_lastTypeText == CboType->currentText();
+    const bool lastWasSelected = m_lastTypeText == typeFilterText();
     m_state.BrowserReady = false;
     CboType->clear();
-    CboType->addItems(FileTypeCatalogue::typeFilterItems(labels));
+    // The box shows and a screen reader reads the label; the code and
+    // patterns after it are the filter's own.
+    for (const QString &item : FileTypeCatalogue::typeFilterItems(labels))
+        CboType->addItem(FilterItemDelegate::visibleLabel(item), item);
     CboType->setCurrentIndex(selected);
     if (lastWasSelected && !m_lastTypeText.isEmpty())
-        m_lastTypeText = CboType->currentText(); // same filter, other language: no reload
+        m_lastTypeText = typeFilterText(); // same filter, other language: no reload
     m_state.BrowserReady = ready;
     m_state.OpenFileFilter = FileTypeCatalogue::openFileFilter(labels);
 }

@@ -119,7 +119,7 @@ void frmMain::keyPressEvent(QKeyEvent *event)
 {
     const int key = event->key();
     event->accept();
-    if (key != Qt::Key_Escape && CboType->currentText().isEmpty()) {
+    if (key != Qt::Key_Escape && typeFilterText().isEmpty()) {
         // The user erased the filter: Enter restores "All Supported".
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
             m_state.BrowserReady = true;

@@ -17,6 +17,7 @@
 #include "platform/RleBitmapDecoder.h"
 #include "platform/WmfRenderer.h"
 #include "system/MimeAppsList.h"
+#include "system/MimePackage.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -159,6 +160,10 @@ void mimeApps(const QByteArray &input)
     list.remove(group, key);
     list.setValue(QStringLiteral("Removed Associations"), key, ours);
     list.toText();
+    // The MIME database's own files are read as plain text too.
+    const QString text = QString::fromUtf8(input);
+    MimePackage::iconOf(text);
+    MimePackage::globsName(text, QStringLiteral("*.ivf"));
 }
 
 void thumbnailCache(const QByteArray &input)
