@@ -4,6 +4,9 @@ window ("window<TAB>its title") and one per label, button, check box or
 text field inside it ("label<TAB>text", ...), in the windows' order.
 
 Reads the accessibility bus only, so a script sees what a user sees.
+With --at "button<TAB>Zoom +" it prints instead where that line's control
+is on the screen ("x y", its centre), for a click where a user would click;
+a line ending in "*" stands for every line that begins with the rest.
 """
 import sys
 
@@ -22,11 +25,19 @@ SHOWN_ROLES = {
 SKIPPED_ROLES = {"table cell", "list item", "table column header", "tree", "list"}
 
 
-def walk(accessible, out):
+def centre(accessible):
+    box = accessible.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+    return f"{box.x + box.width // 2} {box.y + box.height // 2}"
+
+
+def walk(accessible, out, wanted=None):
     try:
         role = accessible.getRoleName()
         name = accessible.name or ""
         count = accessible.childCount
+        # Hidden controls keep their texts (an index cell of the last page).
+        if not accessible.getState().contains(pyatspi.STATE_SHOWING):
+            return
     except Exception:  # a window that closed while being read
         return
     if role in SKIPPED_ROLES:
@@ -39,13 +50,22 @@ def walk(accessible, out):
                 text = body.getText(0, body.characterCount)
             except NotImplementedError:
                 pass
-        out.append(f"{SHOWN_ROLES[role]}\t{text}")
+        line = f"{SHOWN_ROLES[role]}\t{text}"
+        if wanted is None:
+            out.append(line)
+        elif not out and (line == wanted or wanted.endswith("*") and line.startswith(wanted[:-1])):
+            out.append(centre(accessible))
     for i in range(count):
-        walk(accessible.getChildAtIndex(i), out)
+        walk(accessible.getChildAtIndex(i), out, wanted)
 
 
 def main():
-    app_name = sys.argv[1] if len(sys.argv) > 1 else "Vimora"
+    args = sys.argv[1:]
+    wanted = None
+    if len(args) >= 2 and args[0] == "--at":
+        wanted = args[1]
+        args = args[2:]
+    app_name = args[0] if args else "Vimora"
     desktop = pyatspi.Registry.getDesktop(0)
     out = []
     for i in range(desktop.childCount):
@@ -59,8 +79,9 @@ def main():
             except Exception:
                 continue
             if showing:
-                out.append(f"window\t{window.name}")
-                walk(window, out)
+                if wanted is None:
+                    out.append(f"window\t{window.name}")
+                walk(window, out, wanted)
     print("\n".join(out))
 
 
