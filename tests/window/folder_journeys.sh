@@ -65,6 +65,7 @@ the_parent_folder_button_goes_up() {
     stop_vimora
 }
 
-cancelling_a_missing_folder_keeps_the_previous_one
-retrying_once_the_folder_is_there_lists_it
-the_parent_folder_button_goes_up
+# The journeys named after the program, or all of them.
+journeys=("${@:2}")
+[[ ${#journeys[@]} -gt 0 ]] || journeys=(cancelling_a_missing_folder_keeps_the_previous_one retrying_once_the_folder_is_there_lists_it the_parent_folder_button_goes_up)
+for journey in "${journeys[@]}"; do "$journey"; done

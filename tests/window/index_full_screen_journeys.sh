@@ -117,6 +117,7 @@ saving_from_the_full_screen_popup() {
     stop_vimora
 }
 
-paging_the_index_and_reading_movie_durations
-double_click_on_a_thumbnail_shows_it
-saving_from_the_full_screen_popup
+# The journeys named after the program, or all of them.
+journeys=("${@:2}")
+[[ ${#journeys[@]} -gt 0 ]] || journeys=(paging_the_index_and_reading_movie_durations double_click_on_a_thumbnail_shows_it saving_from_the_full_screen_popup)
+for journey in "${journeys[@]}"; do "$journey"; done

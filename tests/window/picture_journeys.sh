@@ -171,7 +171,7 @@ fit_follows_resizing_and_maximising() {
     stop_vimora
 }
 
-paging_shows_every_picture_type
-choosing_a_type_limits_the_list
-zooming_with_keys_and_buttons
-fit_follows_resizing_and_maximising
+# The journeys named after the program, or all of them.
+journeys=("${@:2}")
+[[ ${#journeys[@]} -gt 0 ]] || journeys=(paging_shows_every_picture_type choosing_a_type_limits_the_list zooming_with_keys_and_buttons fit_follows_resizing_and_maximising)
+for journey in "${journeys[@]}"; do "$journey"; done

@@ -110,5 +110,7 @@ playing_pausing_and_full_screen_movie() {
     stop_vimora
 }
 
-ticking_cycle_walks_the_folder_until_space_stops_it
-playing_pausing_and_full_screen_movie
+# The journeys named after the program, or all of them.
+journeys=("${@:2}")
+[[ ${#journeys[@]} -gt 0 ]] || journeys=(ticking_cycle_walks_the_folder_until_space_stops_it playing_pausing_and_full_screen_movie)
+for journey in "${journeys[@]}"; do "$journey"; done
