@@ -25,6 +25,19 @@ stop_vimora() {
     pid=""
 }
 
+# Closes the main window as a user does (openbox's Alt+F4) and waits for
+# the program to end.
+close_vimora() {
+    xdotool windowactivate --sync "$main_window" 2>/dev/null || true
+    press alt+F4
+    for _ in $(seq 1 100); do
+        kill -0 "$pid" 2>/dev/null || { wait "$pid" 2>/dev/null || true; pid=""; return 0; }
+        sleep 0.1
+    done
+    echo "Alt+F4 did not end the program" >&2
+    exit 1
+}
+
 # Waits for a window of the program with that title; it becomes
 # $main_window when it is the main window's.
 wait_title() {
