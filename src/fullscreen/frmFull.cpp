@@ -181,12 +181,6 @@ void frmFull::Form_KeyDown(QKeyEvent *event)
 
 void frmFull::showNeighbour(bool previous)
 {
-    // As in the main window, a step waits for the list being read again
-    // (after a copy saved into its folder).
-    if (m_main.listingUnderWay()) {
-        QTimer::singleShot(10, this, [this, previous] { showNeighbour(previous); });
-        return;
-    }
     m_main.Mostra_Image(previous, QString());
     if (!m_state.FullViewLoaded)
         return; // the window went with the file

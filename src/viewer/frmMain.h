@@ -66,8 +66,6 @@ public:
     // Shows a file: moves through the list (empty name), or by name, or by
     // full path; startPosition is where a movie starts, in seconds.
     void Mostra_Image(bool backward, const QString &name, bool nameIsFullPath = false, double startPosition = 0);
-    // The list is being read again: it holds no file to step to yet.
-    bool listingUnderWay() const { return m_listing || m_folderChanging; }
 
     void ApplyLanguage(); // captions and tooltips of the current language
     // F2 in any window: the language chooser, then every open window in the new language.
@@ -455,5 +453,4 @@ private:
     bool folderChangeMustWait() const;
     FolderWatch *m_folderWatch = nullptr;
     bool m_listing = false; // Carica_ListaImages is under way
-    bool m_folderChanging = false; // Dir1_Change is under way
 };

@@ -148,9 +148,6 @@ void frmMain::Dir1_Change()
     ClearCropSelection();
     if (!m_state.BrowserReady)
         return;
-    // From here until the list is read there is no list to step through.
-    m_folderChanging = true;
-    const auto changed = qScopeGuard([this] { m_folderChanging = false; });
     setWaitCursor(true);
     m_state.StopPreviewLoad = true;
     ChkCicle->setChecked(false);

@@ -101,11 +101,6 @@ void frmMain::stepThroughList(bool backward)
 
 void frmMain::showPendingSteps()
 {
-    // A step taken from the half-read list lands on nothing; it waits.
-    if (listingUnderWay()) {
-        QTimer::singleShot(10, this, &frmMain::showPendingSteps);
-        return;
-    }
     // Presses already waiting join this move rather than follow it.
     QCoreApplication::processEvents();
     m_stepsQueued = false;
