@@ -11,7 +11,7 @@ packages=(build-essential cmake ninja-build pkg-config
           libheif-dev libjxl-dev libraw-dev liblcms2-dev fontconfig fonts-dejavu-core)
 if [[ "${1:-}" == "--test" || "${1:-}" == "--bench" ]]; then
     packages+=(libgtest-dev libgmock-dev xvfb xauth xdotool openbox xclip imagemagick poppler-utils python3
-               dbus-daemon at-spi2-core python3-pyatspi python3-xlib
+               dbus-daemon at-spi2-core python3-pyatspi python3-xlib x11-utils
                ffmpeg dvdauthor exiv2 libjpeg-turbo-progs libvips-tools desktop-file-utils
                clang libclang-rt-14-dev)
 fi

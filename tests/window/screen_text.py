@@ -5,6 +5,9 @@ text field inside it ("label<TAB>text", ...), in the windows' order; the
 control with the keyboard focus also as "focus<TAB>its kind<TAB>its name".
 
 Reads the accessibility bus only, so a script sees what a user sees.
+With --at "button<TAB>Zoom +" it prints instead where that line's control
+is on the screen ("x y", its centre), for a click where a user would click;
+a line ending in "*" stands for every line that begins with the rest.
 """
 import sys
 
@@ -23,15 +26,24 @@ SHOWN_ROLES = {
 SKIPPED_ROLES = {"table cell", "list item", "table column header", "tree", "list"}
 
 
-def walk(accessible, out):
+def centre(accessible):
+    box = accessible.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+    return f"{box.x + box.width // 2} {box.y + box.height // 2}"
+
+
+def walk(accessible, out, wanted=None):
     try:
         role = accessible.getRoleName()
         name = accessible.name or ""
         count = accessible.childCount
-        focused = accessible.getState().contains(pyatspi.STATE_FOCUSED)
+        state = accessible.getState()
+        # Hidden controls keep their texts (an index cell of the last page).
+        if not state.contains(pyatspi.STATE_SHOWING):
+            return
+        focused = state.contains(pyatspi.STATE_FOCUSED)
     except Exception:  # a window that closed while being read
         return
-    if focused:
+    if focused and wanted is None:
         out.append(f"focus\t{role}\t{name}")
     if role in SKIPPED_ROLES:
         return
@@ -43,9 +55,13 @@ def walk(accessible, out):
                 text = body.getText(0, body.characterCount)
             except NotImplementedError:
                 pass
-        out.append(f"{SHOWN_ROLES[role]}\t{text}")
+        line = f"{SHOWN_ROLES[role]}\t{text}"
+        if wanted is None:
+            out.append(line)
+        elif not out and (line == wanted or wanted.endswith("*") and line.startswith(wanted[:-1])):
+            out.append(centre(accessible))
     for i in range(count):
-        walk(accessible.getChildAtIndex(i), out)
+        walk(accessible.getChildAtIndex(i), out, wanted)
 
 
 def find(accessible, role, name):
@@ -74,18 +90,22 @@ def print_place(app, steps):
         at = find(at, role, name)
         if at is None:
             return
-    box = at.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
-    print(f"{box.x + box.width // 2} {box.y + box.height // 2}")
+    print(centre(at))
 
 
 def main():
-    app_name = sys.argv[1] if len(sys.argv) > 1 else "Vimora"
-    if len(sys.argv) > 2 and sys.argv[2] == "--place":
+    args = sys.argv[1:]
+    wanted = None
+    if len(args) >= 2 and args[0] == "--at":
+        wanted = args[1]
+        args = args[2:]
+    app_name = args[0] if args else "Vimora"
+    if len(args) > 1 and args[1] == "--place":
         desktop = pyatspi.Registry.getDesktop(0)
         for i in range(desktop.childCount):
             app = desktop.getChildAtIndex(i)
             if app is not None and app.name == app_name:
-                print_place(app, sys.argv[3:])
+                print_place(app, args[2:])
                 return
         return
     desktop = pyatspi.Registry.getDesktop(0)
@@ -101,8 +121,9 @@ def main():
             except Exception:
                 continue
             if showing:
-                out.append(f"window\t{window.name}")
-                walk(window, out)
+                if wanted is None:
+                    out.append(f"window\t{window.name}")
+                walk(window, out, wanted)
     print("\n".join(out))
 
 
