@@ -83,8 +83,8 @@ playing_pausing_and_full_screen_movie() {
     press space
     expect_clock_stands "Space a third time"
     paused=$(clock)
-    # The control bar's play/pause button is its first, nameless one.
-    click_on $'button\t'
+    # Paused, the control bar's first button offers to play.
+    click_on $'button\tPlay'
     wait_clock_moves_from "$paused" "the control bar's play button"
 
     wait_text $'label\t 100% ' "a movie at full size"
