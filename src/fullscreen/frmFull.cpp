@@ -181,6 +181,11 @@ void frmFull::Form_KeyDown(QKeyEvent *event)
 
 void frmFull::showNeighbour(bool previous)
 {
+    // A step waits for a list being read again (after a copy saved into it).
+    if (m_main.listingUnderWay()) {
+        QTimer::singleShot(10, this, [this, previous] { showNeighbour(previous); });
+        return;
+    }
     m_main.Mostra_Image(previous, QString());
     if (!m_state.FullViewLoaded)
         return; // the window went with the file

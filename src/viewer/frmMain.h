@@ -9,6 +9,7 @@
 
 #include <QLineF>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QWidget>
 
 #include <array>
@@ -66,6 +67,8 @@ public:
     // Shows a file: moves through the list (empty name), or by name, or by
     // full path; startPosition is where a movie starts, in seconds.
     void Mostra_Image(bool backward, const QString &name, bool nameIsFullPath = false, double startPosition = 0);
+    // The list is being read again: a step has no file to land on yet.
+    bool listingUnderWay() const { return m_listing || m_listRereads > 0; }
 
     void ApplyLanguage(); // captions and tooltips of the current language
     // F2 in any window: the language chooser, then every open window in the new language.
@@ -458,4 +461,12 @@ private:
     bool folderChangeMustWait() const;
     FolderWatch *m_folderWatch = nullptr;
     bool m_listing = false; // Carica_ListaImages is under way
+    // Refreshes and folder changes under way, nested ones counted: their
+    // list is not settled until the file to show is chosen again.
+    int m_listRereads = 0;
+    [[nodiscard]] auto listRereadUnderWay()
+    {
+        ++m_listRereads;
+        return qScopeGuard([this] { --m_listRereads; });
+    }
 };

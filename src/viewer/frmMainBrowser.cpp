@@ -40,6 +40,9 @@ void frmMain::Carica_ListaImages(QString name)
         m_state.CurrentFileName.clear();
     }
     setCommandButtonsEnabled(false);
+    // From the emptied list to the new one, steps wait (listingUnderWay).
+    m_listing = true;
+    const auto listed = qScopeGuard([this] { m_listing = false; });
     m_state.CurrentIndex = -1;
     m_state.FileNames = QStringList{QString()};
     QCoreApplication::processEvents();
@@ -47,8 +50,6 @@ void frmMain::Carica_ListaImages(QString name)
         return;
 
     setWaitCursor(true);
-    m_listing = true;
-    const auto listed = qScopeGuard([this] { m_listing = false; });
     watchListedFolder();
     FolderListing listing(m_state.CurrentFolder, m_state.TypeFilterCode, typeFilterText());
     while (listing.unreadable()) {
@@ -102,6 +103,7 @@ void frmMain::CboType_Click()
     ClearCropSelection();
     if (!m_state.BrowserReady)
         return;
+    const auto rereading = listRereadUnderWay();
     setWaitCursor(true);
     const QString folder = StartupRules::withoutTrailingSlash(dir1Path());
     const QString itemText = typeFilterText();
@@ -148,6 +150,7 @@ void frmMain::Dir1_Change()
     ClearCropSelection();
     if (!m_state.BrowserReady)
         return;
+    const auto rereading = listRereadUnderWay();
     setWaitCursor(true);
     m_state.StopPreviewLoad = true;
     ChkCicle->setChecked(false);
@@ -210,6 +213,7 @@ void frmMain::CboURL_Click()
 {
     if (!m_state.BrowserReady)
         return;
+    const auto rereading = listRereadUnderWay();
     setWaitCursor(true);
     stopSlideTimer();
     QString path = StartupRules::withoutTrailingSlash(CboURL->currentText().trimmed());
@@ -317,6 +321,7 @@ void frmMain::cmdRefr_Click()
 {
     // The file on show comes back after the re-read, a movie where it was.
     const double position = m_state.MainMovieLoaded ? MediaPlayer1->CurrentPosition() : 0;
+    const auto rereading = listRereadUnderWay();
     clearDisplay();
     m_state.KeepDisplay = true;
     const QString folder = m_state.CurrentFolder;

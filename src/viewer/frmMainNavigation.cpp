@@ -101,6 +101,10 @@ void frmMain::stepThroughList(bool backward)
 
 void frmMain::showPendingSteps()
 {
+    if (listingUnderWay()) {
+        QTimer::singleShot(10, this, &frmMain::showPendingSteps);
+        return;
+    }
     // Presses already waiting join this move rather than follow it.
     QCoreApplication::processEvents();
     m_stepsQueued = false;
