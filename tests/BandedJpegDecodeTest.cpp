@@ -192,4 +192,5 @@ TEST(JpegBandReader, HandsOutEveryRowOnceInOrderBeforeItReturns)
     EXPECT_EQ(bands, expected);
     EXPECT_EQ(stored.size(), QSize(64, rows + 1));
     EXPECT_TRUE(reader.read({}).isNull()) << "a reader decodes once";
+    EXPECT_EQ(reader.size(), stored.size());
 }

@@ -36,6 +36,7 @@ struct JpegBandReader::Decoder {
     jpeg_decompress_struct info{};
     Errors errors{};
     bool readable = false;
+    QSize size;
     QByteArray icc;
     QImage image;
 };
@@ -77,6 +78,7 @@ JpegBandReader::JpegBandReader(const QByteArray &bytes, qint64 maxPixels)
         return; // a profile in pieces libjpeg cannot join: Qt's reader decides
     }
     d.info.out_color_space = JCS_EXT_BGRX; // QImage's RGB32 in memory, on little-endian machines
+    d.size = QSize(int(d.info.image_width), int(d.info.image_height));
     d.readable = true;
 }
 
@@ -92,7 +94,7 @@ bool JpegBandReader::isReadable() const
 
 QSize JpegBandReader::size() const
 {
-    return m_decoder->readable ? QSize(int(m_decoder->info.image_width), int(m_decoder->info.image_height)) : QSize();
+    return m_decoder->size;
 }
 
 QByteArray JpegBandReader::iccProfile() const
@@ -105,8 +107,8 @@ QImage JpegBandReader::read(const RowsDone &rowsDone)
     Decoder &d = *m_decoder;
     if (!d.readable)
         return {};
-    d.image = QImage(size(), QImage::Format_RGB32);
     d.readable = false; // once
+    d.image = QImage(d.size, QImage::Format_RGB32);
     if (d.image.isNull())
         return {};
     // The rows stay allocated until the reader goes: another thread may still be reading them.

@@ -24,7 +24,7 @@ public:
     JpegBandReader &operator=(const JpegBandReader &) = delete;
 
     bool isReadable() const;
-    QSize size() const;
+    QSize size() const; // invalid when the header was not readable
     QByteArray iccProfile() const;
 
     // The stored picture (no orientation applied) as RGB32, with
