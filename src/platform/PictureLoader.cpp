@@ -173,13 +173,19 @@ bool prepareReader(QImageReader &reader)
         || format == "tiff";
 }
 
-// The whole file, the device left where Qt's reader left it; empty past the limit.
-QByteArray wholeFile(QIODevice *device)
+// The whole file when its start holds an ICC profile, the device left where
+// Qt's reader left it; empty otherwise, so plain JPEGs are not read twice.
+QByteArray wholeFileWithProfile(QIODevice *device)
 {
+    constexpr qint64 ProfileWithin = 256 * 1024; // past two EXIF blocks; a later one is left to Qt
     const qint64 at = device->pos();
     if (device->size() > LargestWholeFile || !device->seek(0))
         return {};
-    const QByteArray bytes = device->readAll();
+    QByteArray bytes = device->read(ProfileWithin);
+    if (bytes.contains("ICC_PROFILE"))
+        bytes += device->readAll();
+    else
+        bytes.clear();
     device->seek(at);
     return bytes;
 }
@@ -209,7 +215,7 @@ Picture loadWithQt(QIODevice *device, const Options &options)
     }
     const QSize target = fittedSize(natural, options.fitInto);
     if (reader.format() == "jpeg" && natural.isValid() && target == natural) {
-        const QImage banded = BandedJpegDecode::decoded(wholeFile(device), reader.transformation(),
+        const QImage banded = BandedJpegDecode::decoded(wholeFileWithProfile(device), reader.transformation(),
                                                         options.colourSpace, MaxPixels);
         if (!banded.isNull())
             return {banded, natural, {}};
