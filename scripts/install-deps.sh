@@ -8,7 +8,7 @@ set -euo pipefail
 packages=(build-essential cmake ninja-build pkg-config
           qt6-base-dev qt6-svg-dev libmpv-dev libemf2svg-dev libwmf-dev
           qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins xdg-utils shared-mime-info libxcb1-dev libxcb-xtest0-dev
-          libheif-dev libjxl-dev libraw-dev liblcms2-dev fontconfig fonts-dejavu-core)
+          libheif-dev libjxl-dev libjpeg62-turbo-dev libraw-dev liblcms2-dev fontconfig fonts-dejavu-core)
 if [[ "${1:-}" == "--test" || "${1:-}" == "--bench" ]]; then
     packages+=(libgtest-dev libgmock-dev xvfb xauth xdotool openbox xclip imagemagick poppler-utils python3
                dbus-daemon at-spi2-core python3-pyatspi python3-xlib x11-utils

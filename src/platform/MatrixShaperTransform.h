@@ -27,6 +27,9 @@ public:
     // Converts in place; large pictures in strips of rows, one per core.
     void apply(QImage &image) const;
 
+    // Rows [first, end) of a picture of a format takes() takes, on this thread.
+    void applyToRows(uchar *bits, qsizetype stride, int width, QImage::Format format, int first, int end) const;
+
     // One pixel's red, green and blue.
     std::array<int, 3> convert(int red, int green, int blue) const;
 
@@ -43,7 +46,6 @@ public:
 
 private:
     MatrixShaperTransform() = default;
-    void applyToRows(uchar *bits, qsizetype stride, int width, QImage::Format format, int first, int end) const;
 
     std::array<std::array<quint64, 256>, 3> m_shares{};
     std::array<std::vector<quint8>, 3> m_toLevels;

@@ -1,5 +1,6 @@
 #include "platform/PictureLoader.h"
 
+#include "platform/BandedJpegDecode.h"
 #include "platform/ColourManagement.h"
 #include "platform/EmfRenderer.h"
 #include "platform/HeifDecoder.h"
@@ -172,6 +173,23 @@ bool prepareReader(QImageReader &reader)
         || format == "tiff";
 }
 
+// The whole file when its start holds an ICC profile, the device left where
+// Qt's reader left it; empty otherwise, so plain JPEGs are not read twice.
+QByteArray wholeFileWithProfile(QIODevice *device)
+{
+    constexpr qint64 ProfileWithin = 256 * 1024; // past two EXIF blocks; a later one is left to Qt
+    const qint64 at = device->pos();
+    if (device->size() > LargestWholeFile || !device->seek(0))
+        return {};
+    QByteArray bytes = device->read(ProfileWithin);
+    if (bytes.contains("ICC_PROFILE"))
+        bytes += device->readAll();
+    else
+        bytes.clear();
+    device->seek(at);
+    return bytes;
+}
+
 QSize naturalSizeOf(QImageReader &reader)
 {
     const QSize stored = reader.size();
@@ -196,6 +214,12 @@ Picture loadWithQt(QIODevice *device, const Options &options)
         }
     }
     const QSize target = fittedSize(natural, options.fitInto);
+    if (reader.format() == "jpeg" && natural.isValid() && target == natural) {
+        const QImage banded = BandedJpegDecode::decoded(wholeFileWithProfile(device), reader.transformation(),
+                                                        options.colourSpace, MaxPixels);
+        if (!banded.isNull())
+            return {banded, natural, {}};
+    }
     const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;
     if (natural.isValid() && target != natural)
         reader.setScaledSize(turned ? target.transposed() : target);

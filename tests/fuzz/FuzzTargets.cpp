@@ -4,9 +4,11 @@
 #include "files/TrashInfo.h"
 #include "index/ExifThumbnail.h"
 #include "index/ThumbnailCache.h"
+#include "platform/BandedJpegDecode.h"
 #include "platform/ColourManagement.h"
 #include "platform/EmfRenderer.h"
 #include "platform/HeifDecoder.h"
+#include "platform/JpegBandReader.h"
 #include "platform/JpegXlDecoder.h"
 #include "platform/MatrixShaperTransform.h"
 #include "platform/RawDecoder.h"
@@ -264,6 +266,25 @@ void iccProfile(const QByteArray &input)
         fast->apply(picture);
 }
 
+void jpegBands(const QByteArray &input)
+{
+    // The reader alone, every band handed out in order; then decoded and
+    // converted on two threads, the way pictures with a profile are shown.
+    JpegBandReader reader(input, MaxDecodedPixels);
+    int handed = 0;
+    const QImage stored = reader.read([&](uchar *, qsizetype, int first, int end) {
+        require(first == handed && end > first && end - first <= JpegBandReader::BandRows, "bands come in order");
+        handed = end;
+    });
+    require(stored.isNull() || (stored.size() == reader.size() && handed == stored.height()),
+            "a JPEG read in bands comes whole");
+    require(qint64(stored.width()) * stored.height() <= MaxDecodedPixels, "a JPEG read in bands stays within the bound");
+    const QImage upright = BandedJpegDecode::decoded(input, QImageIOHandler::TransformationRotate270,
+                                                     QColorSpace(QColorSpace::SRgb), MaxDecodedPixels);
+    require(upright.isNull() || qint64(upright.width()) * upright.height() <= MaxDecodedPixels,
+            "a converted JPEG stays within the bound");
+}
+
 void trashInfo(const QByteArray &input)
 {
     const QString path = TrashInfo::originalPath(input, QStringLiteral("/media/stick"));
@@ -274,7 +295,7 @@ void trashInfo(const QByteArray &input)
 
 std::span<const Target> all()
 {
-    static const std::array<Target, 16> targets = {{
+    static const std::array<Target, 17> targets = {{
         {"rle", rleBitmap},
         {"icon", icon},
         {"wmf", wmf},
@@ -291,6 +312,7 @@ std::span<const Target> all()
         {"svg", svg},
         {"trash_info", trashInfo},
         {"icc_profile", iccProfile},
+        {"jpeg_bands", jpegBands},
     }};
     return targets;
 }

@@ -32,6 +32,7 @@ void raw(const QByteArray &input);
 void svg(const QByteArray &input);
 void trashInfo(const QByteArray &input);
 void iccProfile(const QByteArray &input);
+void jpegBands(const QByteArray &input);
 
 std::span<const Target> all();
 
