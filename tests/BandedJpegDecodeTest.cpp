@@ -36,7 +36,11 @@ QImage byQtThenConverted(const QString &path, const QColorSpace &target)
 {
     QImageReader reader(path);
     reader.setAutoTransform(true);
-    return ColourManagement::converted(reader.read(), {}, target);
+    QImage upright = reader.read();
+    // Qt's turn drops the profile of a quarter-turned picture; the stored
+    // picture still has it.
+    upright.setColorSpace(QImageReader(path).read().colorSpace());
+    return ColourManagement::converted(upright, {}, target);
 }
 
 QByteArray readFile(const QString &path)

@@ -162,6 +162,45 @@ TEST(TodaysPictures, EmbeddedProfilesLandOnTheirSrgbColours)
     }
 }
 
+// A phone photo held sideways: an EXIF block turning it a quarter, put in
+// front of the picture's own segments.
+QByteArray turnedAQuarter(const QByteArray &jpeg)
+{
+    QByteArray tiff("II*\0\x08\0\0\0", 8);
+    tiff += QByteArray("\x01\0", 2);                                  // one entry
+    tiff += QByteArray("\x12\x01\x03\0\x01\0\0\0\x06\0\0\0", 12); // orientation 6
+    tiff += QByteArray(4, '\0');                                       // no next IFD
+    const QByteArray body = QByteArray("Exif\0\0", 6) + tiff;
+    QByteArray app1("\xFF\xE1", 2);
+    app1 += char((body.size() + 2) >> 8);
+    app1 += char((body.size() + 2) & 0xFF);
+    return jpeg.left(2) + app1 + body + jpeg.mid(2);
+}
+
+TEST(TodaysPictures, ATurnedPhotoKeepsItsProfile)
+{
+    QFile original(corpusFile("wide-gamut-tests/P3-sRGB-red.jpg"));
+    ASSERT_TRUE(original.open(QIODevice::ReadOnly));
+    QTemporaryDir dir;
+    const QString turned = dir.filePath("turned.jpg");
+    QFile out(turned);
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+    out.write(turnedAQuarter(original.readAll()));
+    out.close();
+
+    const PictureLoader::Picture upright = PictureLoader::load(corpusFile("wide-gamut-tests/P3-sRGB-red.jpg"));
+    ASSERT_FALSE(upright.isNull());
+    PictureLoader::Options fitted;
+    fitted.fitInto = upright.naturalSize / 4;
+    for (const PictureLoader::Options &options : {PictureLoader::Options{}, fitted}) {
+        const PictureLoader::Picture picture = PictureLoader::load(turned, options);
+        ASSERT_FALSE(picture.isNull());
+        EXPECT_EQ(picture.naturalSize, upright.naturalSize.transposed());
+        const QRgb shown = picture.image.pixel(2, 2);
+        EXPECT_TRUE(near(shown, qRgb(255, 0, 0), 3)) << rgbText(shown) << (options.fitInto.isValid() ? " fitted" : "");
+    }
+}
+
 TEST(TodaysPictures, PicturesWithoutProfileKeepTheirNumbers)
 {
     // (PngSuite's pictures carry a gamma, which counts as a colour space.)

@@ -15,6 +15,7 @@
 #include <QBuffer>
 #include <QFile>
 #include <QImageReader>
+#include <QTransform>
 #include <QtConcurrent>
 #include <QtEndian>
 
@@ -190,6 +191,30 @@ QByteArray wholeFileWithProfile(QIODevice *device)
     return bytes;
 }
 
+// The picture turned upright by its EXIF orientation. Qt's own turn drops
+// the colour space of a quarter-turned picture, and with it the profile.
+QImage readUpright(QImageReader &reader)
+{
+    const QImageIOHandler::Transformations turn = reader.transformation();
+    if (turn == QImageIOHandler::TransformationNone)
+        return reader.read();
+    reader.setAutoTransform(false);
+    const QImage stored = reader.read();
+    if (stored.isNull())
+        return stored;
+    QImage upright;
+    if (turn == QImageIOHandler::TransformationRotate270) {
+        upright = stored.transformed(QTransform().rotate(270));
+    } else {
+        upright = stored.mirrored(turn & QImageIOHandler::TransformationMirror,
+                                  turn & QImageIOHandler::TransformationFlip);
+        if (turn & QImageIOHandler::TransformationRotate90)
+            upright = upright.transformed(QTransform().rotate(90));
+    }
+    upright.setColorSpace(stored.colorSpace());
+    return upright;
+}
+
 QSize naturalSizeOf(QImageReader &reader)
 {
     const QSize stored = reader.size();
@@ -223,7 +248,7 @@ Picture loadWithQt(QIODevice *device, const Options &options)
     const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;
     if (natural.isValid() && target != natural)
         reader.setScaledSize(turned ? target.transposed() : target);
-    const QImage image = ColourManagement::converted(reader.read(), {}, options.colourSpace);
+    const QImage image = ColourManagement::converted(readUpright(reader), {}, options.colourSpace);
     if (image.isNull())
         return {};
     return natural.isValid() ? Picture{image, natural, {}} : fittedPicture(image, options);
