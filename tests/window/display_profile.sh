@@ -21,7 +21,7 @@ import sys
 open(sys.argv[1], 'wb').write(b'P6\n400 300\n255\n' + b'\xff\x00\x00' * (400 * 300))
 PY
 convert "$work/red.ppm" BMP3:"$work/pictures/a-red.bmp"
-openbox & wm=$!
+start_window_manager
 
 # The photo's own profile (its APP2 ICC_PROFILE segments, in order) is the screen's.
 screen_profile() {

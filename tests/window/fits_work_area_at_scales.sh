@@ -11,7 +11,7 @@ in_xvfb 2560x1600 "$0" "$vimora"
 fresh_home
 mkdir -p "$work/pictures"
 convert -size 640x480 xc:orange "$work/pictures/a.jpg"
-openbox & wm=$!
+start_window_manager
 
 window=""
 start() {
@@ -30,7 +30,7 @@ start() {
 # once is started again.
 window_manager() {
     kill -0 "$wm" 2>/dev/null && return 0
-    openbox & wm=$!
+    start_window_manager
 }
 
 # The window within the screen, in screen pixels, once the window manager

@@ -10,7 +10,7 @@ source "$(dirname "$0")/journey.sh"
 in_xvfb 1280x1024 "$0" "$@"
 
 fresh_home
-openbox & wm=$!
+start_window_manager
 
 # Thirty pictures and two clips: a page of 24, then one of 6 and the movies.
 folder="$work/folder"

@@ -20,13 +20,6 @@ wait_title() {
     exit 1
 }
 
-# Starts openbox and waits until it manages windows, so that raising one
-# works from the first journey on.
-start_window_manager() {
-    openbox & wm=$!
-    wait_for "the window manager" bash -c "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'"
-}
-
 start_on() {
     "$vimora" "$1" 2>"$work/vimora.log" &
     pid=$!

@@ -13,7 +13,7 @@ fresh_home
 folder=$work/pictures
 mkdir -p "$folder"
 for name in a b c; do convert -size 640x480 xc:orange "$folder/$name.jpg"; done
-openbox & wm=$!
+start_window_manager
 
 shows() { # file, position, after what
     wait_text $'window\t '"$1"'  - Vimora ' "$3"

@@ -14,7 +14,7 @@ in_xvfb 1280x1024 "$0" "$vimora"
 fresh_home
 mkdir -p "$work/pictures/sub" "$work/movie"
 for name in a b c sub/d; do convert -size 640x480 xc:orange "$work/pictures/$name.jpg"; done
-openbox & wm=$!
+start_window_manager
 
 # Shows: title and position, as the window and its status row show them.
 shows() { # file, position, after what

@@ -12,7 +12,7 @@ fresh_home
 mkdir -p "$work/pictures"
 for name in a b c; do convert -size 320x240 xc:orange "$work/pictures/$name.jpg"; done
 convert -size 320x240 xc:teal "$work/elsewhere.jpg"
-openbox & wm=$!
+start_window_manager
 
 "$vimora" "$work/pictures/a.jpg" &
 pid=$!

@@ -11,7 +11,7 @@ source "$(dirname "$0")/journey.sh"
 in_xvfb 1280x1024 "$0" "$@"
 
 fresh_home
-openbox & wm=$!
+start_window_manager
 
 # One file of each picture type, named so that they list in this order,
 # with the size each one truly has.

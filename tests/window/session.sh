@@ -62,6 +62,25 @@ click_on()
     xdotool mousemove $at click 1
 }
 
+# Starts openbox ($wm) and waits until it manages windows. Now and then it
+# cannot open a display that has just come up: it is started again.
+start_window_manager()
+{
+    for _ in 1 2 3 4 5; do
+        openbox >/dev/null 2>&1 &
+        wm=$!
+        for _ in $(seq 1 50); do
+            xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id' && return 0
+            kill -0 "$wm" 2>/dev/null || break
+            sleep 0.1
+        done
+        kill "$wm" 2>/dev/null || true
+        sleep 0.5
+    done
+    echo "the window manager did not start" >&2
+    exit 1
+}
+
 # Makes $work with an empty home in English. The program ($pid) and the
 # window manager ($wm), when started, go with it at exit.
 fresh_home()

@@ -9,7 +9,7 @@ source "$(dirname "$0")/journey.sh"
 in_xvfb 1280x1024 "$0" "$@"
 
 fresh_home
-openbox & wm=$!
+start_window_manager
 
 pictures="$work/pictures"
 mkdir -p "$pictures"

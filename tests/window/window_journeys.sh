@@ -11,7 +11,7 @@ in_xvfb 1280x1024 "$0" "$vimora"
 fresh_home
 mkdir -p "$work/pictures"
 for name in a b; do convert -size 320x240 xc:orange "$work/pictures/$name.jpg"; done
-openbox & wm=$!
+start_window_manager
 
 main_window=""
 # Waits for a window of the program with that title.
