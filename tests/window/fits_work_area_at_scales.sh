@@ -50,11 +50,11 @@ expect_on_screen() {
 }
 
 close() {
-    for _ in 1 2 3; do
+    for _ in 1 2 3 4 5; do
         window_manager
         xdotool windowactivate --sync "$window" 2>/dev/null || true
         xdotool key alt+F4
-        for _ in $(seq 1 30); do
+        for _ in $(seq 1 50); do
             kill -0 "$pid" 2>/dev/null || { wait "$pid" 2>/dev/null || true; return 0; }
             sleep 0.1
         done

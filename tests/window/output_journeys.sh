@@ -104,27 +104,6 @@ printing_to_a_pdf_file() {
     echo "${FUNCNAME[0]}: print.pdf holds the picture"
 }
 
-# Guards: a frame grab that wrote nothing, or not at the video's size.
-# Expect: F8 on a playing movie brings up "Grab current image to a file ";
-# Enter writes a bitmap of the video's 320 x 240 pixels.
-grabbing_a_movie_frame() {
-    local clip=$work/movies/clip.avi
-    mkdir -p "$work/movies"
-    ffmpeg -loglevel error -f lavfi -i testsrc=size=320x240:rate=25 -t 4 "$clip"
-    start_on "$clip" " clip.avi  - Vimora "
-    playing() { screen_text | grep -q $'^label\t0:0[1-4] / 0:04$'; }
-    wait_for "the movie playing" playing
-    find "$work" -name '*.bmp' -delete
-    press F8
-    wait_title "Grab current image to a file " "F8 on a movie"
-    press Return
-    # Through a pipe, as the name's "[...]" would pick a frame.
-    grabbed_size() { find "$work" -name '*.bmp' -size +0 -exec sh -c 'identify -format %wx%h bmp:- < "$1"' _ {} \; 2>/dev/null; }
-    wait_for "a 320x240 frame" test "$(grabbed_size)" = 320x240
-    echo "${FUNCNAME[0]}: a 320x240 frame written"
-    quit
-}
-
 start_window_manager
 start_on "$pictures/a.jpg" " a.jpg  - Vimora "
 copying_to_the_clipboard
@@ -132,4 +111,3 @@ setting_and_removing_the_wallpaper
 saving_a_dragged_area
 printing_to_a_pdf_file
 quit
-grabbing_a_movie_frame
