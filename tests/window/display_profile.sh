@@ -51,19 +51,12 @@ PY
 # About how many screen pixels are within 2 of this colour.
 pixels_of() {
     import -window root -depth 8 ppm:"$work/screen.ppm" 2>/dev/null || { echo 0; return; }
-    /usr/bin/python3 - "$work/screen.ppm" "$@" <<'PY'
+    /usr/bin/python3 - "$(dirname "$0")" "$work/screen.ppm" "$@" <<'PY'
 import sys
-data = open(sys.argv[1], 'rb').read()
-fields, at = [], 0
-while len(fields) < 4:
-    while data[at:at + 1].isspace():
-        at += 1
-    start = at
-    while not data[at:at + 1].isspace():
-        at += 1
-    fields.append(data[start:at])
-pixels = memoryview(data)[at + 1:]
-want = [int(v) for v in sys.argv[2:5]]
+sys.path.insert(0, sys.argv[1])
+from screenshot import read_ppm
+width, height, pixels = read_ppm(sys.argv[2])
+want = [int(v) for v in sys.argv[3:6]]
 # Every fifth pixel, counted five times: a second's work is enough.
 print(5 * sum(1 for i in range(0, len(pixels) - 2, 15)
               if abs(pixels[i] - want[0]) <= 2 and abs(pixels[i + 1] - want[1]) <= 2 and abs(pixels[i + 2] - want[2]) <= 2))

@@ -21,20 +21,12 @@ wait_text $'label\t 100% ' "start on board.avi"
 # The checks, exact to a grey level, somewhere on the screen: 0 found, 1 not (yet).
 find_checks() {
     import -window root -depth 8 ppm:"$work/screen.ppm" 2>/dev/null || return 1
-    python3 - "$work/screen.ppm" <<'PY'
+    python3 - "$(dirname "$0")" "$work/screen.ppm" <<'PY'
 import sys
-data = open(sys.argv[1], 'rb').read()
-fields, at = [], 0
-while len(fields) < 4:
-    while data[at:at + 1].isspace():
-        at += 1
-    start = at
-    while not data[at:at + 1].isspace():
-        at += 1
-    fields.append(data[start:at])
-at += 1
-width, height = int(fields[1]), int(fields[2])
-grey = data[at::3]  # the red channel of each pixel: the checks are grey
+sys.path.insert(0, sys.argv[1])
+from screenshot import read_ppm
+width, height, screen = read_ppm(sys.argv[2])
+grey = bytes(screen[::3])  # the red channel of each pixel: the checks are grey
 dark = lambda v: v < 64
 light = lambda v: v > 192
 # The board's top-left check is dark: black, as the frame around it.

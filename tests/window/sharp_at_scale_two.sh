@@ -30,21 +30,12 @@ pid=$!
 # The board, exact, somewhere on the screen: 0 found, 1 not (yet).
 find_board() {
     import -window root -depth 8 ppm:"$work/screen.ppm" 2>/dev/null || return 1
-    python3 - "$work/screen.ppm" <<'PY'
+    python3 - "$(dirname "$0")" "$work/screen.ppm" <<'PY'
 import sys
-data = open(sys.argv[1], 'rb').read()
-# P6 header: magic, width, height, maximum, each followed by white space.
-fields, at = [], 0
-while len(fields) < 4:
-    while data[at:at + 1].isspace():
-        at += 1
-    start = at
-    while not data[at:at + 1].isspace():
-        at += 1
-    fields.append(data[start:at])
-at += 1
-width, height = int(fields[1]), int(fields[2])
-pixels = data[at:]
+sys.path.insert(0, sys.argv[1])
+from screenshot import read_ppm
+width, height, screen = read_ppm(sys.argv[2])
+pixels = bytes(screen)
 blue, red = b'\x00\x00\xff', b'\xff\x00\x00'
 row = lambda y: b''.join(blue if (x + y) % 2 == 0 else red for x in range(96))
 first = row(0)
