@@ -50,7 +50,7 @@ QStringList linkCopies(const QString &file, int count)
 
 OpenWindow::OpenWindow(const QString &path, const QString &storedFolder,
                        const std::function<void(frmMain &)> &prepare)
-    : settings(config.path() + "/Vimora.ini"), state(settings, messages), window(state, prompts, launcher)
+    : settings(config.path() + "/Vimora.ini"), state(settings, messages), window(state, context, prompts, launcher)
 {
     settings.write("UserDef", "Language", "EN");
     if (!storedFolder.isEmpty())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "core/SettingsStore.h"
@@ -49,6 +50,7 @@ struct OpenWindow {
     IniSettingsStore settings;
     MessageCatalogue messages;
     AppState state;
+    ViewerContext context{messages};
     SilentPrompts prompts;
     NoLauncher launcher;
     frmMain window;

@@ -80,8 +80,8 @@ void liveFolderBench(BenchTable &table)
     linkNames(picture, dir.path(), QStringLiteral("IMG"), PicturesInFolder);
 
     OpenWindow open(dir.path() + QStringLiteral("/IMG 00000.jpg"));
-    AppState &state = open.state;
-    runUntil([&] { return state.FileNames.size() == PicturesInFolder; }, 60000);
+    const ViewerContext &context = open.context;
+    runUntil([&] { return context.FileNames().size() == PicturesInFolder; }, 60000);
 
     // One file written by another program, to its line in the list.
     double appear = 1e12;
@@ -90,7 +90,7 @@ void liveFolderBench(BenchTable &table)
         QElapsedTimer clock;
         clock.start();
         QFile::copy(picture, dir.path() + '/' + name);
-        if (runUntil([&] { return state.FileNames.contains(name); }, 10000))
+        if (runUntil([&] { return context.FileNames().contains(name); }, 10000))
             appear = std::min(appear, clock.nsecsElapsed() / 1e6);
         runUntil([] { return false; }, 700); // the watch settles before the next run
     }
@@ -99,7 +99,7 @@ void liveFolderBench(BenchTable &table)
                QStringLiteral("the second a user waits"), appear, 1000});
 
     // A burst of 10,000 new files: the longest the event loop waits.
-    const qsizetype expected = state.FileNames.size() + PicturesInFolder;
+    const qsizetype expected = context.FileNames().size() + PicturesInFolder;
     std::atomic<bool> written{false};
     std::thread writer;
     QElapsedTimer burstClock;
@@ -110,7 +110,7 @@ void liveFolderBench(BenchTable &table)
             linkNames(picture, dir.path(), QStringLiteral("burst"), PicturesInFolder);
             written = true;
         });
-        listed = runUntil([&] { return written && state.FileNames.size() == expected; }, 60000);
+        listed = runUntil([&] { return written && context.FileNames().size() == expected; }, 60000);
     });
     const qint64 burstMs = burstClock.elapsed();
     writer.join();

@@ -48,8 +48,8 @@ double peakResidentMB()
 // A walk that stopped short would give figures of nothing.
 void checkWalkedTo(const OpenWindow &open, const QString &last)
 {
-    if (open.state.CurrentFileName != QFileInfo(last).fileName())
-        std::fprintf(stderr, "the walk stopped at %s, not at %s\n", qPrintable(open.state.CurrentFileName),
+    if (open.context.CurrentFileName() != QFileInfo(last).fileName())
+        std::fprintf(stderr, "the walk stopped at %s, not at %s\n", qPrintable(open.context.CurrentFileName()),
                      qPrintable(last));
 }
 
@@ -89,7 +89,7 @@ double openAndShowMs(const QString &path)
         timer.start();
         double shownMs = 0;
         auto open = std::make_unique<OpenWindow>(path, QString(), [&](frmMain &window) {
-            QObject::connect(&window, &frmMain::fileShown, &window, [&] {
+            QObject::connect(&window.context(), &ViewerContext::fileShown, &window, [&] {
                 if (shownMs == 0) {
                     window.repaint();
                     shownMs = timer.nsecsElapsed() / 1e6;

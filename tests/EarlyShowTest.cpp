@@ -72,9 +72,9 @@ protected:
         touch(folder + "/zclip.avi");
         fixture.settings().write("UserDef", "Language", "EN");
         fixture.beforeLoad = [this](frmMain &window) {
-            QObject::connect(&window, &frmMain::fileShown, [this](const QString &path) {
+            QObject::connect(&window.context(), &ViewerContext::fileShown, [this](const QString &path) {
                 shown.append(path);
-                listedWhenShown.append(FileCount(fixture.state->FileNames));
+                listedWhenShown.append(FileCount(fixture.context->FileNames()));
             });
         };
     }
@@ -92,7 +92,7 @@ TEST_F(EarlyShow, CommandLinePictureIsShownOnceBeforeTheListingEnds)
     ASSERT_EQ(shown, QStringList{folder + "/photo.bmp"}); // once: no second showing at the end
     EXPECT_LE(listedWhenShown.at(0), 1);
     // At the end all is as if it had been shown after the listing.
-    EXPECT_EQ(fixture.state->CurrentIndex, Fillers);
+    EXPECT_EQ(fixture.context->CurrentIndex(), Fillers);
     EXPECT_EQ(window.LabNum->text(), QStringLiteral(" %1/%2 ").arg(Fillers + 1).arg(Fillers + 2));
     EXPECT_EQ(window.LabFil->text(), "photo.bmp");
     EXPECT_EQ(window.windowTitle(), " photo.bmp  - Vimora ");
@@ -100,10 +100,10 @@ TEST_F(EarlyShow, CommandLinePictureIsShownOnceBeforeTheListingEnds)
     EXPECT_TRUE(window.cmdNext->isEnabled());
     EXPECT_TRUE(window.cmdBack->isEnabled());
     EXPECT_EQ(window.ImgEgg->naturalSize(), QSize(64, 48));
-    EXPECT_TRUE(fixture.state->FolderSummaryText.startsWith(QString::number(Fillers + 2) + "     "));
+    EXPECT_TRUE(fixture.context->FolderSummaryText().startsWith(QString::number(Fillers + 2) + "     "));
 
     window.cmdNext->click();
-    EXPECT_EQ(fixture.state->CurrentFileName, "zclip.avi");
+    EXPECT_EQ(fixture.context->CurrentFileName(), "zclip.avi");
 }
 
 TEST_F(EarlyShow, MovieWaitsForTheList)
@@ -111,13 +111,13 @@ TEST_F(EarlyShow, MovieWaitsForTheList)
     fixture.start(folder + "/zclip.avi");
     ASSERT_EQ(shown.size(), 1);
     EXPECT_EQ(listedWhenShown.at(0), Fillers + 2);
-    EXPECT_EQ(fixture.state->CurrentIndex, Fillers + 1);
+    EXPECT_EQ(fixture.context->CurrentIndex(), Fillers + 1);
 }
 
 TEST_F(EarlyShow, FileGoneBeforeTheListingShowsTheFirst)
 {
     fixture.start(folder + "/nothere.bmp");
     ASSERT_EQ(shown.size(), 1);
-    EXPECT_EQ(fixture.state->CurrentFileName, "f0000.bmp");
-    EXPECT_EQ(fixture.state->CurrentIndex, 0);
+    EXPECT_EQ(fixture.context->CurrentFileName(), "f0000.bmp");
+    EXPECT_EQ(fixture.context->CurrentIndex(), 0);
 }

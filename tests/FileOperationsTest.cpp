@@ -1,7 +1,7 @@
 #include "core/MessageCatalogue.h"
 #include "files/FileOperations.h"
 #include "files/FilePaths.h"
-#include "files/FileSizeText.h"
+#include "core/FileSizeText.h"
 #include "support/FakeSeams.h"
 #include "support/TestFiles.h"
 

@@ -62,10 +62,10 @@ struct LiveFolder : ::testing::Test {
 TEST_F(LiveFolder, FilesOtherProgramsAddRemoveOrRenameJoinOrLeaveTheListInTheirPlace)
 {
     frmMain &window = start({"a.bmp", "c.bmp"});
-    QSignalSpy shown(&window, &frmMain::fileShown);
+    QSignalSpy shown(&window.context(), &ViewerContext::fileShown);
     writeElsewhere("b.bmp");
     EXPECT_TRUE(statusSays(window, " 1/3 ", "a.bmp"));
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "b.bmp", "c.bmp"}));
+    EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.bmp", "b.bmp", "c.bmp"}));
     EXPECT_EQ(shown.count(), 0); // the picture on show was left alone
 
     QTest::keyClick(&window, Qt::Key_Down);
@@ -76,7 +76,7 @@ TEST_F(LiveFolder, FilesOtherProgramsAddRemoveOrRenameJoinOrLeaveTheListInTheirP
 
     ASSERT_TRUE(QFile::rename(folder + "/c.bmp", folder + "/0.bmp")); // renamed elsewhere: in its new place
     EXPECT_TRUE(statusSays(window, " 2/2 ", "b.bmp"));
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"0.bmp", "b.bmp"}));
+    EXPECT_EQ(fixture.context->FileNames(), QStringList({"0.bmp", "b.bmp"}));
 }
 
 TEST_F(LiveFolder, TheIndexPageAndItsCountAndSizeFollowWithinASecond)
@@ -123,8 +123,8 @@ TEST_F(LiveFolder, AFileOnShowRemovedElsewhereGivesWayToTheNextAsAfterDelete)
 
     ASSERT_TRUE(QFile::remove(folder + "/a.bmp"));
     ASSERT_TRUE(QFile::remove(folder + "/c.bmp"));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return fixture.state->listIsEmpty(); }, 3000));
-    EXPECT_TRUE(fixture.state->CurrentFileName.isEmpty());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return fixture.context->listIsEmpty(); }, 3000));
+    EXPECT_TRUE(fixture.context->CurrentFileName().isEmpty());
     writeElsewhere("new.bmp"); // into an empty folder: shown
     EXPECT_TRUE(statusSays(window, " 1/1 ", "new.bmp"));
 }
@@ -135,7 +135,7 @@ TEST_F(LiveFolder, ABurstOfTenThousandNewFilesIsReadAFewTimesNotTenThousandAndTh
     window.cmdIndex->click();
     frmIndex &index = *window.indexWindow();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 20000));
-    QSignalSpy reread(&window, &frmMain::listLoaded);
+    QSignalSpy reread(&window.context(), &ViewerContext::listLoaded);
     for (int i = 0; i < 10000; ++i) {
         QFile file(folder + QStringLiteral("/burst %1.jpg").arg(i, 5, 10, QLatin1Char('0')));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -155,7 +155,7 @@ TEST_F(LiveFolder, ABurstOfTenThousandNewFilesIsReadAFewTimesNotTenThousandAndTh
 TEST_F(LiveFolder, VimorasOwnChoresAreNotListedTwice)
 {
     frmMain &window = start({"a.bmp", "b.bmp", "c.bmp"});
-    QSignalSpy reread(&window, &frmMain::listLoaded);
+    QSignalSpy reread(&window.context(), &ViewerContext::listLoaded);
     QSignalSpy settled(&window.folderWatch(), &FolderWatch::settled);
     QSignalSpy changed(&window.folderWatch(), &FolderWatch::changed);
     fixture.prompts.answers = {PromptAnswer::Yes};
@@ -185,6 +185,6 @@ TEST_F(LiveFolder, NetworkAndOpticalFoldersAreLeftToF5AsInotifyDoesNotHearThem)
         EXPECT_TRUE(QTest::qWaitFor([&] { return window.LabNum->text() == " 1/2 "; }, 5000)) << network;
     }
     start({"a.bmp"}); // on a local disc: watched
-    EXPECT_EQ(fixture.state->CurrentFolder, folder);
+    EXPECT_EQ(fixture.context->CurrentFolder(), folder);
     EXPECT_EQ(fixture.window().folderWatch().folder(), folder);
 }

@@ -99,8 +99,8 @@ TEST(FullScreenView, CoversTheScreenWithThePictureFitted)
     FullWindow full;
     frmFull *view = full.open();
     ASSERT_NE(view, nullptr);
-    EXPECT_TRUE(full.fixture.state->FullViewLoaded);
-    EXPECT_TRUE(full.fixture.state->FullScreenActive);
+    EXPECT_TRUE(view->isLoaded());
+    EXPECT_TRUE(full.fixture.context->FullScreenActive());
     EXPECT_TRUE(view->isVisible());
     const QSize screen = screenSize(*view);
     EXPECT_EQ(view->size(), screen);
@@ -120,14 +120,14 @@ TEST(FullScreenView, PagesWithTheKeysAndPlaysAMovieFullScreenInThePlayer)
     QPointer<frmFull> view = full.open();
     ASSERT_TRUE(view);
     QTest::keyClick(view, Qt::Key_Down);
-    EXPECT_EQ(full.fixture.state->CurrentFileName, "b.bmp");
+    EXPECT_EQ(full.fixture.context->CurrentFileName(), "b.bmp");
     EXPECT_EQ(view->ImgEgg->size(), FullViewRules::fittedSize({2000, 1000}, screenSize(*view)));
     EXPECT_FALSE(full.window().isVisible()) << "paging keeps the main window hidden";
     QTest::keyClick(view, Qt::Key_Up);
-    EXPECT_EQ(full.fixture.state->CurrentFileName, "a.bmp");
+    EXPECT_EQ(full.fixture.context->CurrentFileName(), "a.bmp");
     QTest::keyClick(view, Qt::Key_PageDown);
     QTest::keyClick(view, Qt::Key_Space);
-    EXPECT_EQ(full.fixture.state->CurrentFileName, "c.avi");
+    EXPECT_EQ(full.fixture.context->CurrentFileName(), "c.avi");
 
     MoviePlayer &player = *full.window().MediaPlayer1;
     EXPECT_EQ(player.DisplaySize(), MoviePlayer::FullScreen);
@@ -141,8 +141,7 @@ TEST(FullScreenView, PagesWithTheKeysAndPlaysAMovieFullScreenInThePlayer)
     EXPECT_TRUE(full.closed(view));
     EXPECT_NE(player.DisplaySize(), MoviePlayer::FullScreen);
     EXPECT_TRUE(full.window().isVisible());
-    EXPECT_FALSE(full.fixture.state->FullScreenActive);
-    EXPECT_FALSE(full.fixture.state->FullViewLoaded);
+    EXPECT_FALSE(full.fixture.context->FullScreenActive());
 }
 
 struct CloseCase {
@@ -160,8 +159,7 @@ TEST_P(FullScreenViewClosing, GivesTheMainWindowBackWithFocusOnCmdTrucco)
     ASSERT_TRUE(view);
     GetParam().close(*view);
     EXPECT_TRUE(full.closed(view));
-    EXPECT_FALSE(full.fixture.state->FullScreenActive);
-    EXPECT_FALSE(full.fixture.state->FullViewLoaded);
+    EXPECT_FALSE(full.fixture.context->FullScreenActive());
     EXPECT_TRUE(full.window().isVisible());
     EXPECT_EQ(full.window().focusWidget(), full.window().cmdTrucco);
 }

@@ -70,7 +70,7 @@ TEST_F(IndexCommands, RenameAndDeleteActOnTheFileOnDiskAndThePageFollows)
     EXPECT_FALSE(QFileInfo::exists(folder + "/b.bmp"));
     EXPECT_TRUE(QFileInfo::exists(folder + "/b new.bmp"));
     EXPECT_TRUE(labels(index).contains("b new.bmp"));
-    EXPECT_EQ(fixture.state->CurrentFileName, "b new.bmp"); // as the main window's rename does
+    EXPECT_EQ(fixture.context->CurrentFileName(), "b new.bmp"); // as the main window's rename does
 
     // Delete goes to this run's Trash, for the hovered cell, not the file on show.
     select(index, "index-gone.bmp");
@@ -80,7 +80,7 @@ TEST_F(IndexCommands, RenameAndDeleteActOnTheFileOnDiskAndThePageFollows)
     EXPECT_FALSE(QFileInfo::exists(folder + "/index-gone.bmp"));
     EXPECT_TRUE(QFileInfo::exists(qEnvironmentVariable("XDG_DATA_HOME") + "/Trash/files/index-gone.bmp"));
     EXPECT_EQ(labels(index), QStringList({"a.bmp", "b new.bmp"}));
-    EXPECT_EQ(fixture.state->CurrentFileName, "b new.bmp");
+    EXPECT_EQ(fixture.context->CurrentFileName(), "b new.bmp");
 }
 
 TEST_F(IndexCommands, FavouritesMarkTheCellAndTheListWindowHoldsThem)
@@ -120,7 +120,7 @@ TEST_F(IndexCommands, ClipboardAndSaveCopyTakeTheSelectedFile)
     EXPECT_EQ(fixture.prompts.fileRequests[0].title, "Select destination path for file copy ");
     EXPECT_TRUE(QFileInfo::exists(folder + "/Copy of b.bmp"));
     EXPECT_TRUE(labels(index).contains("Copy of b.bmp"));
-    EXPECT_EQ(fixture.state->CurrentFileName, "a.bmp");
+    EXPECT_EQ(fixture.context->CurrentFileName(), "a.bmp");
 
     // Onto an existing file: one question, the copy's own; No keeps the file.
     QFile existing(folder + "/a.bmp");

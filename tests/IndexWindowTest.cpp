@@ -53,7 +53,7 @@ TEST(IndexWindow, PagesThroughTwentyFiveFiles)
     frmMain &window = fixture.start(folder + "/p00.bmp");
     frmIndex &index = openIndex(window);
 
-    EXPECT_TRUE(fixture.state->IndexShown);
+    EXPECT_TRUE(index.isOpen());
     EXPECT_EQ(visibleCells(index), 24);
     EXPECT_FALSE(index.cmdBack->isEnabled());
     EXPECT_TRUE(index.cmdNext->isEnabled());
@@ -76,9 +76,9 @@ TEST(IndexWindow, PagesThroughTwentyFiveFiles)
     EXPECT_FALSE(index.cmdNext->isEnabled());
 
     // Page Down in the index moves the main window, not the page.
-    const int shown = fixture.state->CurrentIndex;
+    const int shown = fixture.context->CurrentIndex();
     QTest::keyClick(&index, Qt::Key_PageDown);
-    EXPECT_EQ(fixture.state->CurrentIndex, shown + 1);
+    EXPECT_EQ(fixture.context->CurrentIndex(), shown + 1);
     EXPECT_EQ(index.IndexPage, 1);
 }
 
@@ -207,15 +207,15 @@ TEST(IndexWindow, DoubleClickOnAPlayingCellContinuesInTheMainWindow)
     QTest::mouseDClick(player, Qt::LeftButton, {}, player->rect().center());
 
     EXPECT_EQ(player->PlayState(), MoviePlayer::Paused);
-    EXPECT_EQ(fixture.state->CurrentFileName, "clip.avi");
-    EXPECT_TRUE(fixture.state->MainMovieLoaded);
+    EXPECT_EQ(fixture.context->CurrentFileName(), "clip.avi");
+    EXPECT_TRUE(fixture.context->MainMovieLoaded());
     EXPECT_NEAR(window.MediaPlayer1->CurrentPosition(), player->CurrentPosition(), 0.1);
 
     // With the main window already playing it, a double-click does nothing.
     window.MediaPlayer1->Play();
     ASSERT_TRUE(waitForState(window.MediaPlayer1, MoviePlayer::Playing));
     player->Stop();
-    QSignalSpy shown(&window, &frmMain::fileShown);
+    QSignalSpy shown(&window.context(), &ViewerContext::fileShown);
     QTest::mouseDClick(player, Qt::LeftButton, {}, player->rect().center());
     EXPECT_EQ(shown.size(), 0);
     EXPECT_EQ(window.MediaPlayer1->PlayState(), MoviePlayer::Playing);
@@ -271,7 +271,7 @@ TEST(IndexWindow, ClosingWhileAPageLoadsStopsIt)
 
     index.close();
     EXPECT_FALSE(index.pageLoading());
-    EXPECT_FALSE(fixture.state->IndexShown);
+    EXPECT_FALSE(index.isOpen());
     QTest::qWait(500);
     EXPECT_TRUE(index.cells[7].Image1->pixmap().isNull());
 

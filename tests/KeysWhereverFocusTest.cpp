@@ -96,7 +96,7 @@ void pressTheTable(ThreePictures &three, bool windowsToo = true)
     if (!windowsToo)
         return;
 
-    QSignalSpy reread(&window, &frmMain::listLoaded);
+    QSignalSpy reread(&window.context(), &ViewerContext::listLoaded);
     ThreePictures::press(Qt::Key_F5);
     EXPECT_TRUE(reread.wait(5000) || reread.count() > 0) << "F5 at " << at;
     EXPECT_TRUE(three.shows("a.jpg", 1)) << "F5 at " << at;
@@ -160,9 +160,9 @@ TEST(KeysWhereverFocus, MainWindowAfterAClickOnTheFolderTreeAndTheSlider)
     QWidget *tree = window.Dir1->viewport();
     QTest::mouseClick(tree, Qt::LeftButton, {}, window.Dir1->visualRect(window.Dir1->currentIndex()).center());
     ASSERT_EQ(QApplication::focusWidget(), window.Dir1);
-    const QString folder = three.fixture.state->CurrentFolder;
+    const QString folder = three.fixture.context->CurrentFolder();
     pressTheTable(three);
-    EXPECT_EQ(three.fixture.state->CurrentFolder, folder) << "Down never opens another folder";
+    EXPECT_EQ(three.fixture.context->CurrentFolder(), folder) << "Down never opens another folder";
 }
 
 TEST(KeysWhereverFocus, TextFieldsKeepTheirTypingAndEnterIsTheTables)
@@ -197,7 +197,7 @@ TEST(KeysWhereverFocus, IndexWindowKeys)
     EXPECT_TRUE(three.shows("b.jpg", 2));
     ThreePictures::press(Qt::Key_PageUp);
     EXPECT_TRUE(three.shows("a.jpg", 1));
-    QSignalSpy reread(&window, &frmMain::listLoaded);
+    QSignalSpy reread(&window.context(), &ViewerContext::listLoaded);
     ThreePictures::press(Qt::Key_F5);
     EXPECT_TRUE(reread.wait(5000) || reread.count() > 0);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading(); }, 20000));

@@ -46,11 +46,11 @@ TEST(MainWindowBrowsing, FolderPickedInTheTreeIsListedAndShown)
     frmMain &window = fixture.start();
 
     pickInTree(window, folder);
-    EXPECT_EQ(fixture.state->CurrentFolder, folder);
-    EXPECT_EQ(fixture.state->FileNames.size(), 10);
+    EXPECT_EQ(fixture.context->CurrentFolder(), folder);
+    EXPECT_EQ(fixture.context->FileNames().size(), 10);
     EXPECT_EQ(window.windowTitle(), " pic1.bmp  - Vimora ");
     EXPECT_EQ(window.LabNum->text(), " 1/10 ");
-    EXPECT_TRUE(fixture.state->FolderSummaryText.startsWith("10     "));
+    EXPECT_TRUE(fixture.context->FolderSummaryText().startsWith("10     "));
     EXPECT_FALSE(window.cmdBack->isEnabled());
     EXPECT_TRUE(window.cmdNext->isEnabled());
     EXPECT_TRUE(window.cmdSave->isEnabled());
@@ -79,8 +79,8 @@ TEST(MainWindowBrowsing, LastFileDisablesNextAndEmptyFolderDisablesAdd)
     EXPECT_FALSE(window.cmdNext->isEnabled());
 
     pickInTree(window, empty);
-    EXPECT_TRUE(fixture.state->listIsEmpty());
-    EXPECT_EQ(fixture.state->FolderSummaryText, "0     0 byte");
+    EXPECT_TRUE(fixture.context->listIsEmpty());
+    EXPECT_EQ(fixture.context->FolderSummaryText(), "0     0 byte");
     EXPECT_FALSE(window.cmdAdd->isEnabled());
     EXPECT_FALSE(window.cmdNext->isEnabled());
     EXPECT_EQ(window.windowTitle(), " Vimora");
@@ -93,17 +93,17 @@ TEST(MainWindowBrowsing, TypeFilterRelistsTheFolder)
     fixture.makeFiles(folder, {"a.bmp", "b.jpg", "c.gif", "d.avi", "e.jpeg"});
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/a.bmp");
-    EXPECT_EQ(fixture.state->FileNames.size(), 5);
+    EXPECT_EQ(fixture.context->FileNames().size(), 5);
 
     window.CboType->setCurrentIndex(3); // JPG,JPEG
-    EXPECT_EQ(fixture.state->TypeFilterCode, "JPG");
-    EXPECT_EQ(fixture.state->TypeFilterIndex, 3);
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"b.jpg", "e.jpeg"}));
+    EXPECT_EQ(fixture.context->TypeFilterCode(), "JPG");
+    EXPECT_EQ(fixture.context->TypeFilterIndex(), 3);
+    EXPECT_EQ(fixture.context->FileNames(), QStringList({"b.jpg", "e.jpeg"}));
     EXPECT_EQ(window.LabNum->text(), " 1/2 ");
 
     window.CboType->setCurrentIndex(12); // AVI, a movie: handed to the player
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"d.avi"}));
-    EXPECT_TRUE(fixture.state->MainMovieLoaded);
+    EXPECT_EQ(fixture.context->FileNames(), QStringList({"d.avi"}));
+    EXPECT_TRUE(fixture.context->MainMovieLoaded());
 }
 
 TEST(MainWindowBrowsing, PathBoxOpensFoldersWithoutReorderingTheHistory)
@@ -121,7 +121,7 @@ TEST(MainWindowBrowsing, PathBoxOpensFoldersWithoutReorderingTheHistory)
 
     window.CboURL->setCurrentIndex(1);
     window.CboURL_Click();
-    EXPECT_EQ(fixture.state->CurrentFolder, first);
+    EXPECT_EQ(fixture.context->CurrentFolder(), first);
     EXPECT_EQ(window.CboURL->itemText(0), second); // the history keeps its order
     EXPECT_EQ(window.windowTitle(), " 1.bmp  - Vimora ");
 
@@ -149,12 +149,12 @@ TEST(MainWindowBrowsing, UpAndRefresh)
     frmMain &window = fixture.start(child + "/c.bmp");
     window.cmdUp->click();
     QCoreApplication::processEvents();
-    EXPECT_EQ(fixture.state->CurrentFolder, parent);
+    EXPECT_EQ(fixture.context->CurrentFolder(), parent);
     EXPECT_EQ(window.windowTitle(), " p.bmp  - Vimora ");
 
     fixture.makeFiles(parent, {"o.bmp", "q.bmp"});
     window.cmdRefr->click();
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"o.bmp", "p.bmp", "q.bmp"}));
+    EXPECT_EQ(fixture.context->FileNames(), QStringList({"o.bmp", "p.bmp", "q.bmp"}));
     EXPECT_EQ(window.windowTitle(), " p.bmp  - Vimora "); // the same file, now second
     EXPECT_EQ(window.LabNum->text(), " 2/3 ");
     EXPECT_TRUE(window.ImgEgg->isVisible());
@@ -167,8 +167,7 @@ TEST(MainWindowBrowsing, OpticalDriveWithoutDiscAsksRetryThenCancel)
     fixture.makeFiles(folder, {"a.bmp"});
     fixture.settings().write("UserDef", "Language", "EN");
     QList<Drive> drives{{"/", "", false, true, false}, {"/dev/sr0", "DVD", true, false, false}};
-    fixture.state->CurrentFolder.clear();
-    frmMain &window = *new frmMain(*fixture.state, fixture.prompts, fixture.launcher);
+    frmMain &window = *new frmMain(*fixture.state, *fixture.context, fixture.prompts, fixture.launcher);
     window.setDriveSource([&] { return drives; });
     window.Form_Load(folder + "/a.bmp");
     ASSERT_EQ(window.Drive1->findData("/dev/sr0"), 1);
@@ -182,8 +181,7 @@ TEST(MainWindowBrowsing, OpticalDriveWithoutDiscAsksRetryThenCancel)
     EXPECT_EQ(fixture.prompts.asked[0].defaultButton, 2);
     // Cancel goes back to the drive of the folder shown.
     EXPECT_EQ(window.Drive1->currentData().toString(), "/");
-    EXPECT_EQ(fixture.state->CurrentFolder, folder);
-    EXPECT_TRUE(fixture.state->BrowserReady);
+    EXPECT_EQ(fixture.context->CurrentFolder(), folder);
     window.close();
     delete &window;
 }
@@ -324,7 +322,7 @@ TEST(MainWindowBrowsing, KeysThatPileUpDuringADisplayAreShownAsOneMove)
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/p1.jpg");
     ASSERT_EQ(window.windowTitle(), ViewRules::fileTitle("p1.jpg"));
-    QSignalSpy shown(&window, &frmMain::fileShown);
+    QSignalSpy shown(&window.context(), &ViewerContext::fileShown);
 
     // Five presses queued before the window gets to any of them, as when a
     // held key repeats faster than pictures decode: one display, of the last.

@@ -62,8 +62,8 @@ TEST_F(MainWindowFiles, RenameOntoAnExistingNameIsRefusedWithAMessage)
     ASSERT_EQ(fixture.prompts.asked.size(), 1);
     EXPECT_TRUE(fixture.prompts.asked[0].text.contains(folder + "/c.bmp"));
     EXPECT_TRUE(QFileInfo::exists(folder + "/b.bmp"));
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "b.bmp", "c.bmp"}));
-    EXPECT_EQ(fixture.state->CurrentFileName, "b.bmp");
+    EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.bmp", "b.bmp", "c.bmp"}));
+    EXPECT_EQ(fixture.context->CurrentFileName(), "b.bmp");
 }
 
 TEST_F(MainWindowFiles, RenameShowsTheFileUnderItsNewNameAndTheListFollows)
@@ -73,9 +73,9 @@ TEST_F(MainWindowFiles, RenameShowsTheFileUnderItsNewNameAndTheListFollows)
     typed = {"b renamed, 'é'.bmp"};
     window.SFRename->trigger();
     EXPECT_TRUE(fixture.prompts.asked.isEmpty());
-    EXPECT_EQ(fixture.state->CurrentFileName, "b renamed, 'é'.bmp");
+    EXPECT_EQ(fixture.context->CurrentFileName(), "b renamed, 'é'.bmp");
     EXPECT_EQ(window.windowTitle(), " b renamed, 'é'.bmp  - Vimora ");
-    EXPECT_TRUE(fixture.state->FileNames.contains("b renamed, 'é'.bmp"));
+    EXPECT_TRUE(fixture.context->FileNames().contains("b renamed, 'é'.bmp"));
     EXPECT_EQ(window.favourites().entries(), QStringList{folder + "/b renamed, 'é'.bmp"});
 
     // A name with a separator is a new path: the file leaves the folder.
@@ -83,7 +83,7 @@ TEST_F(MainWindowFiles, RenameShowsTheFileUnderItsNewNameAndTheListFollows)
     typed = {elsewhere + "/moved.bmp"};
     window.SFRename->trigger();
     EXPECT_TRUE(QFileInfo::exists(elsewhere + "/moved.bmp"));
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "c.bmp"}));
+    EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.bmp", "c.bmp"}));
 }
 
 TEST_F(MainWindowFiles, RenameWithABackslashMovesTheFileAsASlashWould)
@@ -94,7 +94,7 @@ TEST_F(MainWindowFiles, RenameWithABackslashMovesTheFileAsASlashWould)
     QTest::keyClick(&window, Qt::Key_N, Qt::AltModifier);
     EXPECT_TRUE(QFileInfo::exists(elsewhere + "/moved.bmp"));
     EXPECT_FALSE(QFileInfo::exists(folder + "/b.bmp"));
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "c.bmp"}));
+    EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.bmp", "c.bmp"}));
     EXPECT_EQ(RenameTargetOf("/p/old.jpg", "\\q\\new.jpg"), "/q/new.jpg");
 }
 
@@ -125,8 +125,8 @@ TEST_F(MainWindowFiles, DeleteSendsTheFileToTheTrashAndShowsTheNextOne)
     fixture.prompts.answers = {PromptAnswer::Yes};
     window.SFDelete->trigger();
     EXPECT_FALSE(QFileInfo::exists(folder + "/b.bmp"));
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "c.bmp"}));
-    EXPECT_EQ(fixture.state->CurrentFileName, "c.bmp");
+    EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.bmp", "c.bmp"}));
+    EXPECT_EQ(fixture.context->CurrentFileName(), "c.bmp");
     EXPECT_TRUE(window.favourites().entries().isEmpty());
 }
 
@@ -156,8 +156,8 @@ TEST_F(MainWindowFiles, MoveTakesTheFileAwayAndShowsTheNextOne)
     fixture.prompts.folders = {target};
     window.mnuMove->trigger();
     EXPECT_TRUE(QFileInfo::exists(target + "/b.bmp"));
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "c.bmp"}));
-    EXPECT_EQ(fixture.state->CurrentFileName, "c.bmp");
+    EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.bmp", "c.bmp"}));
+    EXPECT_EQ(fixture.context->CurrentFileName(), "c.bmp");
 }
 
 TEST_F(MainWindowFiles, RenamedPlayingMovieResumesWhereItWas)
@@ -211,22 +211,21 @@ TEST(PlayerRelease, OnlyThePlayerHoldingThePathLetsGo)
     MemorySettingsStore settings;
     MessageCatalogue messages;
     AppState state(settings, messages);
+    ViewerContext context(messages);
     QStringList indexAsked;
     state.ReleaseIndexPlayers = [&](const QString &path) { indexAsked.append(path); };
     MoviePlayer player;
     player.setFileName(clip);
-    state.MainMovieLoaded = true;
-    state.KeepDisplay = true;
+    context.setMainMovieLoaded(true);
 
-    ReleasePlayerFile(clip + ".other", state, &player); // exact names only
+    EXPECT_FALSE(ReleasePlayerFile(clip + ".other", state, context, &player)); // exact names only
     EXPECT_EQ(player.FileName(), clip);
-    EXPECT_TRUE(state.MainMovieLoaded);
+    EXPECT_TRUE(context.MainMovieLoaded());
 
-    ReleasePlayerFile(clip, state, &player);
+    EXPECT_TRUE(ReleasePlayerFile(clip, state, context, &player));
     EXPECT_EQ(player.FileName(), "");
     EXPECT_FALSE(player.hasEngine());
-    EXPECT_FALSE(state.MainMovieLoaded);
-    EXPECT_FALSE(state.KeepDisplay);
+    EXPECT_FALSE(context.MainMovieLoaded());
     EXPECT_EQ(indexAsked, QStringList({clip + ".other", clip}));
 }
 

@@ -70,7 +70,7 @@ TEST(MainWindowLaunch, FolderPopupShowsAndExploresTheEntryItWasOpenedOver)
     const QModelIndex entry = model->index(photos);
     window.Dir1->scrollTo(entry);
     QCoreApplication::processEvents();
-    EXPECT_EQ(fixture.state->CurrentFolder + '/', fixture.programFolder());
+    EXPECT_EQ(fixture.context->CurrentFolder() + '/', fixture.programFolder());
     emit window.Dir1->customContextMenuRequested(window.Dir1->visualRect(entry).center());
     window.DIRPOPUP->close();
 
@@ -80,7 +80,7 @@ TEST(MainWindowLaunch, FolderPopupShowsAndExploresTheEntryItWasOpenedOver)
 
     window.mnuDirOpen->trigger();
     QCoreApplication::processEvents();
-    EXPECT_EQ(fixture.state->CurrentFolder, photos);
+    EXPECT_EQ(fixture.context->CurrentFolder(), photos);
 }
 
 TEST(MainWindowLaunch, HelpShowsThePageOfTheCurrentLanguage)

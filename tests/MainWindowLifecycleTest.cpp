@@ -21,7 +21,7 @@ TEST(MainWindowLifecycle, FirstStartAsksLanguageAndOpensTheProgramFolder)
 
     EXPECT_EQ(fixture.prompts.languageQuestions, 1);
     EXPECT_EQ(fixture.settings().read("UserDef", "Language"), "EN");
-    EXPECT_EQ(fixture.state->CurrentFolder + '/', fixture.programFolder());
+    EXPECT_EQ(fixture.context->CurrentFolder() + '/', fixture.programFolder());
     EXPECT_EQ(fixture.state->SlideSeconds, 5);
     EXPECT_TRUE(fixture.state->ShowTooltips);
     EXPECT_TRUE(window.chkAnim->isChecked());
@@ -31,7 +31,7 @@ TEST(MainWindowLifecycle, FirstStartAsksLanguageAndOpensTheProgramFolder)
     EXPECT_EQ(window.cmdNext->toolTip(), " Next picture ");
 
     // The first file of the list, in name order, is on show.
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.jpg", "b.bmp", "c.gif"}));
+    EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.jpg", "b.bmp", "c.gif"}));
     EXPECT_EQ(window.windowTitle(), " a.jpg  - Vimora ");
     EXPECT_EQ(window.LabNum->text(), " 1/3 ");
     EXPECT_TRUE(window.cmdNext->isEnabled());
@@ -54,7 +54,7 @@ TEST(MainWindowLifecycle, StoredSettingsAreReadAndPathIsDeletedAtOnce)
     frmMain &window = fixture.start();
 
     EXPECT_EQ(fixture.prompts.languageQuestions, 0);
-    EXPECT_EQ(fixture.state->CurrentFolder, photos);
+    EXPECT_EQ(fixture.context->CurrentFolder(), photos);
     EXPECT_EQ(store.read("UserDef", "Path", "deleted"), "deleted");
     EXPECT_EQ(fixture.state->SlideSeconds, 1);
     EXPECT_EQ(window.txtTime->text(), "1");
@@ -74,7 +74,7 @@ TEST(MainWindowLifecycle, AStartThatEndedAbnormallyOpensTheProgramFolder)
     fixture.settings().write("UserDef", "Language", "EN");
     fixture.settings().write("UserDef", "Path", photos);
     fixture.start();
-    EXPECT_EQ(fixture.state->CurrentFolder, photos);
+    EXPECT_EQ(fixture.context->CurrentFolder(), photos);
     // What a crash now would leave on disk: no folder to return to.
     const QSettings onDisk(fixture.iniPath(), QSettings::IniFormat);
     EXPECT_FALSE(onDisk.contains("UserDef/Path"));
@@ -82,7 +82,7 @@ TEST(MainWindowLifecycle, AStartThatEndedAbnormallyOpensTheProgramFolder)
     MainWindowFixture second;
     second.settings().write("UserDef", "Language", "EN");
     second.start();
-    EXPECT_EQ(second.state->CurrentFolder + '/', second.programFolder());
+    EXPECT_EQ(second.context->CurrentFolder() + '/', second.programFolder());
 }
 
 TEST(MainWindowLifecycle, ShutdownWritesTheSettingsInOrder)
@@ -124,7 +124,7 @@ TEST(MainWindowLifecycle, CommandLineIsOneFilePathTakenWhole)
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/b c.bmp");
 
-    EXPECT_EQ(fixture.state->CurrentFolder, folder);
+    EXPECT_EQ(fixture.context->CurrentFolder(), folder);
     EXPECT_EQ(window.windowTitle(), " b c.bmp  - Vimora ");
     EXPECT_EQ(window.LabNum->text(), " 2/3 ");
     EXPECT_TRUE(window.ChkAuto->isChecked()); // movies named on the command line play at once
@@ -189,10 +189,10 @@ TEST(MainWindowLifecycle, StoredFolderOnANetworkMountOrOpticalDriveIsNotReopened
         fixture.settings().write("UserDef", "Language", "EN");
         fixture.settings().write("UserDef", "Path", remote);
         const QList<Drive> drives{{"/", "", false, true, false}, {remote, "share", !network, true, network}};
-        frmMain window(*fixture.state, fixture.prompts, fixture.launcher);
+        frmMain window(*fixture.state, *fixture.context, fixture.prompts, fixture.launcher);
         window.setDriveSource([&] { return drives; });
         window.Form_Load({});
-        EXPECT_EQ(fixture.state->CurrentFolder + '/', fixture.programFolder()) << (network ? "network" : "optical");
+        EXPECT_EQ(fixture.context->CurrentFolder() + '/', fixture.programFolder()) << (network ? "network" : "optical");
         window.close();
     }
 }

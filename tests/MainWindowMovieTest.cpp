@@ -76,7 +76,7 @@ TEST_P(MainWindowAutoPlay, OpensPlayingOrStoppedOnItsFirstFrame)
     ASSERT_TRUE(movies.showMovie());
     const int expected = GetParam() ? MoviePlayer::Playing : MoviePlayer::Stopped;
     EXPECT_TRUE(QTest::qWaitFor([&] { return movies.player().PlayState() == expected; }, OpenTimeoutMs));
-    EXPECT_TRUE(movies.fixture.state->MainMovieLoaded);
+    EXPECT_TRUE(movies.fixture.context->MainMovieLoaded());
     EXPECT_TRUE(movies.player().isVisible());
     EXPECT_TRUE(QTest::qWaitFor([&] { return TestClips::showsColourBars(movies.player().currentFrame()); },
                                 OpenTimeoutMs));
@@ -137,7 +137,7 @@ TEST(MainWindowMovie, MovieDeletedAfterTheListWasReadIsNotOpened)
     ASSERT_TRUE(QFile::remove(movies.folder + "/gone.avi"));
     movies.window().ChkCicle->setChecked(true);
     movies.window().Mostra_Image(false, "gone.avi");
-    EXPECT_TRUE(movies.fixture.state->MainMovieLoaded);
+    EXPECT_TRUE(movies.fixture.context->MainMovieLoaded());
     EXPECT_TRUE(movies.player().FileName().isEmpty());
     EXPECT_FALSE(movies.player().hasEngine());
     EXPECT_FALSE(movies.window().TimerImage->isActive()) << "the slideshow stops at a vanished movie";
@@ -202,7 +202,7 @@ TEST_P(MainWindowMovieFullScreen, KeepsStateAndPositionThereAndBack)
 
     window.mnuFullScreen_Click();
     EXPECT_EQ(player.DisplaySize(), MoviePlayer::FullScreen);
-    EXPECT_TRUE(movies.fixture.state->FullScreenActive);
+    EXPECT_TRUE(movies.fixture.context->FullScreenActive());
     EXPECT_FALSE(window.isVisible());
     EXPECT_TRUE(player.isVisible());
     EXPECT_TRUE(player.isFullScreen());
@@ -210,7 +210,7 @@ TEST_P(MainWindowMovieFullScreen, KeepsStateAndPositionThereAndBack)
     // A key other than space brings everything back.
     QTest::keyClick(&player, Qt::Key_Escape);
     EXPECT_NE(player.DisplaySize(), MoviePlayer::FullScreen);
-    EXPECT_FALSE(movies.fixture.state->FullScreenActive);
+    EXPECT_FALSE(movies.fixture.context->FullScreenActive());
     EXPECT_TRUE(window.isVisible());
     EXPECT_EQ(player.parentWidget(), &window);
     EXPECT_FALSE(player.isWindow());
@@ -308,7 +308,7 @@ TEST(MainWindowMovie, CropRectangleOverAMovieStopsItAndFreesThePlayerAfter)
     EXPECT_EQ(player.videoCursor(), Qt::CrossCursor);
     mouse(&player, QEvent::MouseMove, Qt::NoButton, {90, 70}, &frmMain::MediaPlayer1_MouseMove, window);
     mouse(&player, QEvent::MouseButtonRelease, Qt::LeftButton, {90, 70}, &frmMain::MediaPlayer1_MouseUp, window);
-    EXPECT_TRUE(movies.fixture.state->CropSelectionActive);
+    EXPECT_TRUE(movies.fixture.window().cropSelectionActive());
     EXPECT_TRUE(window.LabMis->isVisible());
     EXPECT_TRUE(window.SelLines[1]->isVisible());
     EXPECT_NEAR(window.SelLines[1]->width(), 80, 2);
@@ -388,7 +388,7 @@ TEST_P(MainWindowCorpusMovie, PlaysAndShowsAFrame)
     frmMain &window = fixture.start(folder + "/a.bmp");
     window.ChkAuto->setChecked(true);
     window.Mostra_Image(false, QStringLiteral(VIMORA_CORPUS_DIR "/") + GetParam(), true);
-    EXPECT_TRUE(fixture.state->MainMovieLoaded);
+    EXPECT_TRUE(fixture.context->MainMovieLoaded());
     MoviePlayer &player = *window.MediaPlayer1;
     EXPECT_TRUE(QTest::qWaitFor([&] { return player.PlayState() == MoviePlayer::Playing; }, OpenTimeoutMs));
     EXPECT_TRUE(QTest::qWaitFor([&] { return notBlank(player.currentFrame()); }, OpenTimeoutMs));

@@ -77,8 +77,8 @@ TEST(MainWindowOutput, CopyIntoTheBrowsedFolderAppearsInTheList)
     EXPECT_EQ(fixture.prompts.fileRequests[0].fileName, "Copy of b.bmp");
     EXPECT_EQ(fixture.prompts.fileRequests[0].title, "Make a Copy of current file ");
     EXPECT_TRUE(QFile::exists(folder + "/Copy of b.bmp"));
-    EXPECT_TRUE(fixture.state->FileNames.contains("Copy of b.bmp"));
-    EXPECT_EQ(fixture.state->CurrentFileName, "b.bmp");
+    EXPECT_TRUE(fixture.context->FileNames().contains("Copy of b.bmp"));
+    EXPECT_EQ(fixture.context->CurrentFileName(), "b.bmp");
     EXPECT_EQ(window.LabNum->text(), " 2/3 ");
     EXPECT_EQ(written.count(), 1);
 
@@ -122,9 +122,9 @@ TEST(MainWindowOutput, AreaIsSavedNumberedAtTheSelectionsSize)
     // The picture's pixels only: the rubber band was hidden for the capture.
     for (QPoint at : {QPoint(0, 0), QPoint(299, 199), QPoint(150, 100)})
         EXPECT_EQ(saved.pixelColor(at), QColor(20, 140, 220)) << at.x() << "," << at.y();
-    EXPECT_TRUE(fixture.state->CropSelectionActive);
+    EXPECT_TRUE(fixture.window().cropSelectionActive());
     EXPECT_TRUE(window.SelLines[0]->isVisible());
-    EXPECT_TRUE(fixture.state->FileNames.contains("photo_[a8].bmp"));
+    EXPECT_TRUE(fixture.context->FileNames().contains("photo_[a8].bmp"));
     EXPECT_EQ(fixture.state->OutputFolder, folder);
 
     // Saved elsewhere, the next number comes from there although the
@@ -168,7 +168,7 @@ TEST(MainWindowOutput, ClipboardGetsThePictureAtItsStoredSize)
 
     // An icon goes as shown on the screen, here at twice its size.
     window.Mostra_Image(false, QStringLiteral(VIMORA_BUILT_DATA_DIR "/sample.ico"), true);
-    ASSERT_EQ(fixture.state->FileTypeCode, "ICO");
+    ASSERT_EQ(fixture.context->FileTypeCode(), "ICO");
     window.ZoomTo(200);
     QCoreApplication::processEvents();
     ASSERT_EQ(window.ImgEgg->size(), window.ImgEgg->naturalSize() * 2);
@@ -208,9 +208,9 @@ TEST(MainWindowOutput, TwoGrabsOfAMovieAreNumberedAndPlaybackGoesOn)
         EXPECT_EQ(frame.size(), QSize(TestClips::Width, TestClips::Height)) << name;
         EXPECT_GE(brightHues(frame), 4) << name;
     }
-    EXPECT_TRUE(fixture.state->FileNames.contains("clip_(2).bmp"));
+    EXPECT_TRUE(fixture.context->FileNames().contains("clip_(2).bmp"));
     EXPECT_TRUE(window.cmdGrab->isEnabled());
-    EXPECT_EQ(fixture.state->CurrentFileName, "clip.avi");
+    EXPECT_EQ(fixture.context->CurrentFileName(), "clip.avi");
 
     // Printing the frame pauses the movie for the dialog only when it played.
     fixture.prompts.printers = {{true, folder + "/paused.pdf", 1}, {true, folder + "/playing.pdf", 1}};
@@ -329,7 +329,7 @@ TEST(MainWindowOutput, SlidesArePrintedByTheirOwnProgramNeverDrawn)
     const QString folder = fixture.makeFolder("slides");
     fixture.makeFiles(folder, {"talk.ppt"});
     frmMain &window = fixture.start(folder + "/talk.ppt");
-    ASSERT_EQ(fixture.state->FileTypeCode, "PPT");
+    ASSERT_EQ(fixture.context->FileTypeCode(), "PPT");
     fixture.prompts.printers = {{true, folder + "/drawn.pdf", 2}};
     QTest::keyClick(&window, Qt::Key_P, Qt::AltModifier);
     EXPECT_EQ(fixture.prompts.printRequests.size(), 1);

@@ -32,7 +32,7 @@ struct MainWindowUndo : ::testing::Test {
     void undo(frmMain &window) { QTest::keyClick(&window, Qt::Key_Z, Qt::ControlModifier); }
     void expectBShownAsBefore(frmMain &window)
     {
-        EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "b.bmp", "c.bmp"}));
+        EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.bmp", "b.bmp", "c.bmp"}));
         EXPECT_EQ(window.windowTitle(), " b.bmp  - Vimora ");
         EXPECT_EQ(window.LabNum->text().trimmed(), "2/3");
         EXPECT_EQ(window.favourites().entries(), QStringList{folder + "/b.bmp"});
@@ -60,7 +60,7 @@ TEST_F(MainWindowUndo, CtrlZBringsAFileBackFromTheTrash)
                     .entryList({"b*.trashinfo"}, QDir::Files)
                     .isEmpty());
     undo(window); // put back once only
-    EXPECT_EQ(fixture.state->FileNames, QStringList({"a.bmp", "b.bmp", "c.bmp"}));
+    EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.bmp", "b.bmp", "c.bmp"}));
 }
 
 TEST_F(MainWindowUndo, CtrlZMovesAFileBackAndRenamesItBack)

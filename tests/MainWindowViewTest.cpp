@@ -100,9 +100,9 @@ TEST(MainWindowDrop, FileFromTheSameFolderAndFromAnother)
     QMimeData other;
     other.setUrls({QUrl::fromLocalFile(there + QString::fromUtf8("/ünïcödé.bmp"))});
     dropOn(window.Frame1, other);
-    EXPECT_EQ(fixture.state->CurrentFolder, there);
+    EXPECT_EQ(fixture.context->CurrentFolder(), there);
     EXPECT_EQ(window.windowTitle(), QString::fromUtf8(" ünïcödé.bmp  - Vimora "));
-    EXPECT_EQ(fixture.state->FileNames.size(), 2);
+    EXPECT_EQ(fixture.context->FileNames().size(), 2);
 }
 
 TEST(DroppedFile, UriListsAndTextWithFilePrefix)
@@ -126,14 +126,14 @@ TEST(MainWindowCrop, DragFromRightToLeftGivesAPositiveRectangle)
     ASSERT_EQ(window.ImgEgg->size(), QSize(600, 400));
 
     window.cmdRitaglia->click();
-    EXPECT_TRUE(fixture.state->CropSelectionActive);
+    EXPECT_TRUE(fixture.window().cropSelectionActive());
     QTest::mousePress(window.ImgEgg, Qt::LeftButton, {}, QPoint(400, 300));
     QMouseEvent move(QEvent::MouseMove, QPointF(100, 100), window.ImgEgg->mapToGlobal(QPointF(100, 100)),
                      Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window.ImgEgg, &move);
     QTest::mouseRelease(window.ImgEgg, Qt::LeftButton, {}, QPoint(100, 100));
 
-    EXPECT_TRUE(fixture.state->CropSelectionActive);
+    EXPECT_TRUE(fixture.window().cropSelectionActive());
     EXPECT_TRUE(window.LabMis->isVisible());
     // 300 x 200 pixels at 96 DPI: 79 x 53 mm.
     EXPECT_EQ(window.LabMis->text(), " 79 x 53 mm ");
@@ -143,12 +143,12 @@ TEST(MainWindowCrop, DragFromRightToLeftGivesAPositiveRectangle)
 
     // Esc drops it; a release 9 twips from the anchor keeps nothing.
     QTest::keyClick(&window, Qt::Key_Escape);
-    EXPECT_FALSE(fixture.state->CropSelectionActive);
+    EXPECT_FALSE(fixture.window().cropSelectionActive());
     EXPECT_FALSE(window.LabMis->isVisible());
     window.cmdRitaglia->click();
     window.Clip_Punto_Inizio(window.ImgEgg, {1000, 1000});
     window.Clip_Punto_Fine(window.ImgEgg, {1009, 1500});
-    EXPECT_FALSE(fixture.state->CropSelectionActive);
+    EXPECT_FALSE(fixture.window().cropSelectionActive());
 }
 
 TEST(MainWindowCrop, PressBesideThePictureSnapsToItsEdge)
@@ -161,7 +161,7 @@ TEST(MainWindowCrop, PressBesideThePictureSnapsToItsEdge)
     const QPoint left = window.ImgEgg->geometry().topLeft() + QPoint(-30, 40);
     QTest::mousePress(&window, Qt::LeftButton, {}, left);
     QTest::mouseRelease(&window, Qt::LeftButton, {}, window.ImgEgg->geometry().bottomRight() + QPoint(50, 50));
-    EXPECT_TRUE(fixture.state->CropSelectionActive);
+    EXPECT_TRUE(fixture.window().cropSelectionActive());
     EXPECT_EQ(window.selectionRect().left(), 0);
     EXPECT_EQ(window.selectionRect().top(), 40 * 15);
     EXPECT_EQ(window.selectionRect().right(), 200 * 15);

@@ -150,7 +150,7 @@ TEST(PopupEntries, MainWindowOverAMovieWindowedAndFullScreenThenTheNextPicture)
 
     // The next picture's popup owes nothing to the movie's.
     window.Mostra_Image(false, "a.bmp");
-    ASSERT_FALSE(files.fixture.state->MainMovieLoaded);
+    ASSERT_FALSE(files.fixture.context->MainMovieLoaded());
     EXPECT_EQ(rightClick(files.displayArea(), *window.SFPOPUP), PictureEntries);
 }
 
@@ -167,7 +167,7 @@ TEST(PopupEntries, FullScreenViewForAPictureAndAGif)
     EXPECT_EQ(rightClick(view, *view->SFPOPUP, {2, 2}), rest) << "beside the picture too";
 
     QTest::keyClick(view, Qt::Key_Down); // b.gif, shown still
-    ASSERT_EQ(files.fixture.state->CurrentFileName, "b.gif");
+    ASSERT_EQ(files.fixture.context->CurrentFileName(), "b.gif");
     EXPECT_EQ(rightClick(view, *view->SFPOPUP, {2, 2}), "GIF | - | " + rest);
     view->close();
 }

@@ -36,7 +36,7 @@ TEST_F(StepWhileListing, DownInFullScreenDuringRefreshShowsTheNextFile)
     // empty name.
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, full, [&] {
-        if (fixture.state->FileNames == QStringList{QString()}) {
+        if (fixture.context->FileNames() == QStringList{QString()}) {
             watch.stop();
             QTest::keyClick(full, Qt::Key_Down);
         }

@@ -1,5 +1,5 @@
 #include "display/ZoomRules.h"
-#include "files/FileSizeText.h"
+#include "core/FileSizeText.h"
 #include "viewer/StartupRules.h"
 #include "viewer/ViewRules.h"
 

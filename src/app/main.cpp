@@ -1,3 +1,4 @@
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "core/SettingsStore.h"
@@ -40,7 +41,8 @@ int main(int argc, char *argv[])
 
     QtPrompts prompts;
     ProcessLauncher launcher;
-    frmMain window(state, prompts, launcher);
+    ViewerContext context(messages);
+    frmMain window(state, context, prompts, launcher);
 
     // The command line is one file path, taken whole: a path with blanks
     // arrives split into several arguments and is joined again.

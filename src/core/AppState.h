@@ -23,17 +23,7 @@ struct AppState {
     QString ProgramFolder;
     QString HelpFilePath;
 
-    // Folder and file list (an empty list is one empty name).
-    QString CurrentFolder;
-    QString CurrentFileName;
-    QStringList FileNames{QString()};
-    int CurrentIndex = -1;
-    QString FolderSummaryText;
-    QString FileTypeCode;
-
-    // Type filter.
-    QString TypeFilterCode = QStringLiteral("ALLSUP");
-    int TypeFilterIndex = 0;
+    // The folder, its list and the file shown are the viewer context's.
     QString OpenFileFilter;
 
     // User switches mirrored from controls and settings.
@@ -47,21 +37,7 @@ struct AppState {
     // folder the last one went to.
     QString OutputFolder;
 
-    // Guard and cancellation flags.
-    bool BrowserReady = false;
-    bool StopPreviewLoad = false;
-    bool KeepDisplay = false;
     bool ProgramClosing = false;
-
-    // Which presenter and which windows are active.
-    bool MainMovieLoaded = false;
-    bool FullScreenActive = false;
-    bool FullViewLoaded = false;
-    bool IndexShown = false;
-    bool IndexLoading = false;
-    bool IndexHiddenWithMain = false;
-
-    bool CropSelectionActive = false;
 
     // Type groups Vimora is the default viewer for ("Linked" marks).
     QSet<QString> LinkedTypes;
@@ -74,12 +50,4 @@ struct AppState {
 
     // A picture whose decode takes longer shows nothing, as a broken file.
     int PictureDecodeLimitMs = 10000;
-
-    bool listIsEmpty() const { return FileNames.size() <= 1 && FileNames.value(0).isEmpty(); }
-    int fileUpperBound() const { return int(FileNames.size()) - 1; }
-    QString currentPath() const
-    {
-        return CurrentFolder.endsWith(QLatin1Char('/')) ? CurrentFolder + CurrentFileName
-                                                        : CurrentFolder + QLatin1Char('/') + CurrentFileName;
-    }
 };

@@ -3,7 +3,7 @@
 #include "core/MessageCatalogue.h"
 #include "core/SettingsStore.h"
 #include "files/FilePaths.h"
-#include "files/FileSizeText.h"
+#include "core/FileSizeText.h"
 
 #include <QFileInfo>
 

@@ -1,5 +1,6 @@
 #include "files/PlayerRelease.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "platform/MoviePlayer.h"
 
@@ -15,15 +16,16 @@ bool ReleaseMoviePlayer(MoviePlayer *player, const QString &path)
     return true;
 }
 
-void ReleasePlayerFile(const QString &path, AppState &state, MoviePlayer *mainPlayer)
+bool ReleasePlayerFile(const QString &path, AppState &state, ViewerContext &context, MoviePlayer *mainPlayer)
 {
-    if (state.MainMovieLoaded) {
-        if (ReleaseMoviePlayer(mainPlayer, path)) {
-            state.MainMovieLoaded = false;
-            state.KeepDisplay = false;
-        }
+    bool released = false;
+    if (context.MainMovieLoaded()) {
+        released = ReleaseMoviePlayer(mainPlayer, path);
+        if (released)
+            context.setMainMovieLoaded(false);
         QCoreApplication::processEvents(); // libmpv closes the file in its own thread
     }
     if (state.ReleaseIndexPlayers)
         state.ReleaseIndexPlayers(path);
+    return released;
 }

@@ -2,7 +2,7 @@
 
 #include "core/MessageCatalogue.h"
 #include "files/FileInfoText.h"
-#include "files/FileSizeText.h"
+#include "core/FileSizeText.h"
 #include "platform/DataFolder.h"
 
 #include <QCoreApplication>

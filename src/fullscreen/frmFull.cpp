@@ -1,16 +1,17 @@
 #include "fullscreen/frmFull.h"
 
 #include "commands/CommandSet.h"
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
 #include "core/FormTexts.h"
 #include "core/MessageCatalogue.h"
 #include "display/AnimationView.h"
 #include "display/PictureView.h"
+#include "fullscreen/FullViewHost.h"
 #include "fullscreen/FullViewRules.h"
 #include "platform/MoviePlayer.h"
 #include "platform/PictureLoaderWait.h"
-#include "viewer/frmMain.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -26,8 +27,8 @@
 
 // A window of its own, owned by the main window so it never outlives it;
 // hiding the main window leaves it up.
-frmFull::frmFull(AppState &state, frmMain &main) : QWidget(&main, Qt::Window | Qt::FramelessWindowHint),
-    m_state(state), m_main(main)
+frmFull::frmFull(AppState &state, ViewerContext &context, FullViewHost &host, QWidget *owner)
+    : QWidget(owner, Qt::Window | Qt::FramelessWindowHint), m_state(state), m_context(context), m_host(host)
 {
     setObjectName(QStringLiteral("frmFull"));
     setAttribute(Qt::WA_DeleteOnClose);
@@ -72,13 +73,13 @@ void frmFull::buildMenu()
 
     // The zoom entries are the main window's: this window goes first.
     for (const Command zoom : zooms)
-        set.wire(zoom, [this, zoom] { closeThenRun([this, zoom] { m_main.mnuZoom_Click(Commands::zoomPercent(zoom)); }); });
-    set.wire(C::Fit, [this] { closeThenRun([this] { m_main.mnufit_Click(); }); });
-    set.wire(C::Full, [this] { closeThenRun([this] { m_main.mnuFull_Click(); }); });
+        set.wire(zoom, [this, zoom] { closeThenRun([this, zoom] { m_host.chooseZoom(Commands::zoomPercent(zoom)); }); });
+    set.wire(C::Fit, [this] { closeThenRun([this] { m_host.fitToWindow(); }); });
+    set.wire(C::Full, [this] { closeThenRun([this] { m_host.showActualSize(); }); });
     set.wire(C::Normal, [this] { close(); });
-    set.wire(C::Play, &m_main, &frmMain::mnuPlay_Click);
-    set.wire(C::Stop, &m_main, &frmMain::mnuStop_Click);
-    set.wire(C::Anim, &m_main, &frmMain::mnuAnim_Click);
+    set.wire(C::Play, [this] { m_host.playMovie(); });
+    set.wire(C::Stop, [this] { m_host.stopMovie(); });
+    set.wire(C::Anim, [this] { m_host.toggleAnimation(); });
     for (const auto &[command, hook] : hooks()) {
         if (command == C::Print || command == C::Save)
             continue;
@@ -104,11 +105,11 @@ QList<std::pair<Command, std::function<void()> frmFull::*>> frmFull::hooks()
 
 void frmFull::Form_Load()
 {
-    const QScreen *screen = m_main.screen();
+    const QScreen *screen = parentWidget() ? parentWidget()->screen() : this->screen();
     if (screen)
         setGeometry(screen->geometry());
     FormTexts::ApplyCaptions(this, m_state.messages);
-    m_state.FullViewLoaded = true;
+    m_loaded = true;
     showFullScreen();
 }
 
@@ -119,25 +120,25 @@ void frmFull::Centra_Image(QWidget *target)
 
 void frmFull::MostraFullImage()
 {
-    m_main.TimerImage->stop();
+    m_host.holdSlideshow();
     ImgEgg->hide();
     WebBrowser1->hide();
-    const QString path = m_state.currentPath();
-    if (m_main.animatesShownFile()) {
+    const QString path = m_context.currentPath();
+    if (m_context.animatesShownFile()) {
         WebBrowser1->setGeometry(rect());
         if (WebBrowser1->location() != path)
             WebBrowser1->Navigate(path);
         WebBrowser1->show();
     } else {
-        const PictureView &shown = *m_main.ImgEgg;
-        const QSize natural = shown.naturalSize().isEmpty() ? shown.picture().size() : shown.naturalSize();
+        const ViewerContext::ShownPicture &shown = m_context.shownPicture();
+        const QSize natural = shown.naturalSize.isEmpty() ? shown.image.size() : shown.naturalSize;
         const QSize fitted = FullViewRules::fittedSize(natural, size());
         // The main window may hold a picture decoded smaller than the
         // screen needs, or only a part of it: decode it at the screen's size.
-        if (path != m_shownPath || ImgEgg->picture().size() != shown.picture().size()) {
-            QImage picture = shown.picture();
+        if (path != m_shownPath || ImgEgg->picture().size() != shown.image.size()) {
+            QImage picture = shown.image;
             if (!fitted.isEmpty()
-                && (shown.holdsPart()
+                && (shown.part
                     || (picture.width() < fitted.width() * devicePixelRatio() && picture.width() < natural.width()))) {
                 PictureLoader::Options options;
                 options.fitInto = fitted * devicePixelRatio();
@@ -149,8 +150,8 @@ void frmFull::MostraFullImage()
             ImgEgg->setPicture(picture, natural);
             m_shownPath = path;
         }
-        ImgEgg->setToolTip(FullViewRules::pictureToolTip(m_state.CurrentFileName, natural,
-                                                         m_main.LabSiz->text().trimmed()));
+        ImgEgg->setToolTip(FullViewRules::pictureToolTip(m_context.CurrentFileName(), natural,
+                                                         m_context.FileSizeDisplay()));
         if (!fitted.isEmpty()) {
             ImgEgg->resize(fitted);
             Centra_Image(ImgEgg);
@@ -158,8 +159,7 @@ void frmFull::MostraFullImage()
         }
     }
     unsetCursor();
-    if (m_state.SlideshowOn)
-        m_main.TimerImage->start(m_state.SlideSeconds * 1000);
+    m_host.resumeSlideshow();
 }
 
 void frmFull::hidePresenters()
@@ -182,14 +182,17 @@ void frmFull::Form_KeyDown(QKeyEvent *event)
 void frmFull::showNeighbour(bool previous)
 {
     // A step waits for a list being read again (after a copy saved into it).
-    if (m_main.listingUnderWay()) {
+    if (m_context.listingUnderWay()) {
         QTimer::singleShot(10, this, [this, previous] { showNeighbour(previous); });
         return;
     }
-    m_main.Mostra_Image(previous, QString());
-    if (!m_state.FullViewLoaded)
+    ViewerContext::ShowRequest request;
+    request.steps = previous ? -1 : 1;
+    request.wraps = m_state.SlideshowOn;
+    m_context.show(request);
+    if (!m_loaded)
         return; // the window went with the file
-    if (m_state.MainMovieLoaded)
+    if (m_context.MainMovieLoaded())
         hidePresenters();
     else
         MostraFullImage();
@@ -204,21 +207,21 @@ void frmFull::Form_MouseDown(QMouseEvent *event)
 void frmFull::ImgEgg_MouseDown(QMouseEvent *event)
 {
     // Only a still picture: an animation leaves the presses to the window.
-    if (event->button() != Qt::LeftButton && !m_main.animatesShownFile())
+    if (event->button() != Qt::LeftButton && !m_context.animatesShownFile())
         showPopup(event->globalPosition().toPoint());
 }
 
 void frmFull::showPopup(QPoint globalPosition)
 {
-    m_main.TimerImage->stop();
+    m_host.holdSlideshow();
     unsetCursor();
-    const int playState = m_main.MediaPlayer1->PlayState();
+    const int playState = m_host.moviePlayState();
     CommandOffers::FullScreenFacts facts;
-    facts.state = CommandOffers::stateOfFile(m_state.MainMovieLoaded, false, FileTypeCatalogue::mayAnimate(m_state.FileTypeCode), false,
-                                             m_state.CurrentFileName.isEmpty());
+    facts.state = CommandOffers::stateOfFile(m_context.MainMovieLoaded(), false, FileTypeCatalogue::mayAnimate(m_context.FileTypeCode()), false,
+                                             m_context.CurrentFileName().isEmpty());
     facts.movieStoppable = playState == MoviePlayer::Playing || playState == MoviePlayer::Paused;
     facts.animating = m_state.AnimateGifs;
-    facts.shellOpenEnabled = m_main.mnuShellOpen->isEnabled();
+    facts.shellOpenEnabled = m_host.shellOpenOffered();
     for (const auto &[command, hook] : hooks())
         if (this->*hook)
             facts.wired.append(command);
@@ -237,10 +240,9 @@ void frmFull::runWithTimerStopped(const std::function<void()> &command)
 {
     if (!command)
         return;
-    m_main.TimerImage->stop();
+    m_host.holdSlideshow();
     command();
-    if (m_state.SlideshowOn)
-        m_main.TimerImage->start(m_state.SlideSeconds * 1000);
+    m_host.resumeSlideshow();
 }
 
 void frmFull::keyPressEvent(QKeyEvent *event)
@@ -269,13 +271,11 @@ void frmFull::closeEvent(QCloseEvent *event)
 
 void frmFull::Form_Unload()
 {
-    if (!m_state.FullViewLoaded)
+    if (!m_loaded)
         return;
-    m_state.FullScreenActive = false;
-    m_state.FullViewLoaded = false;
-    if (!m_state.ProgramClosing) {
-        m_main.setMainWindowsVisible(true);
-        m_main.cmdTrucco->setFocus();
-    }
+    m_context.setFullScreenActive(false);
+    m_loaded = false;
+    if (!m_state.ProgramClosing)
+        m_host.fullViewClosed();
     QCoreApplication::processEvents();
 }

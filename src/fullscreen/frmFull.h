@@ -14,16 +14,18 @@ class CommandSet;
 class PictureView;
 class QAction;
 class QMenu;
-class frmMain;
+class FullViewHost;
+class ViewerContext;
 
-// The current picture of the main window alone on the whole screen. Keys
-// page through the main window's list; a movie reached that way plays in
-// the main window's player, full screen. Esc, a double click, "Restore" or a
-// zoom item give the main window back.
+// The file shown alone on the whole screen. Keys page through the list; a
+// movie reached that way plays in the main window's player, full screen.
+// Esc, a double click, "Restore" or a zoom item give the main window back.
 class frmFull : public QWidget {
     Q_OBJECT
 public:
-    frmFull(AppState &state, frmMain &main);
+    // A window of its own, kept by the owner so it never outlives it.
+    frmFull(AppState &state, ViewerContext &context, FullViewHost &host, QWidget *owner);
+    bool isLoaded() const { return m_loaded; } // false once closed, while it waits to be deleted
     ~frmFull() override;
 
     void Form_Load();
@@ -65,7 +67,7 @@ protected:
 private:
     void buildMenu();
     void showPopup(QPoint globalPosition);
-    void showNeighbour(bool previous); // pages through the main window's list
+    void showNeighbour(bool previous); // pages through the list
     // The commands run through the main window's hooks.
     static QList<std::pair<Command, std::function<void()> frmFull::*>> hooks();
     void closeThenRun(const std::function<void()> &command);
@@ -73,6 +75,8 @@ private:
     void Form_Unload();
 
     AppState &m_state;
-    frmMain &m_main;
+    ViewerContext &m_context;
+    FullViewHost &m_host;
+    bool m_loaded = false;
     QString m_shownPath; // the file whose picture ImgEgg holds
 };

@@ -1,13 +1,13 @@
 #include "index/frmIndex.h"
 
 #include "commands/CommandSet.h"
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/FormTexts.h"
 #include "core/MessageCatalogue.h"
 #include "index/ThumbnailDecoder.h"
 #include "platform/DataFolder.h"
 #include "platform/MoviePlayer.h"
-#include "viewer/frmMain.h"
 
 #include <QCloseEvent>
 #include <QDragEnterEvent>
@@ -41,20 +41,20 @@ QString cellName(const char *base, int cell)
 
 } // namespace
 
-frmIndex::frmIndex(AppState &state, Prompts &prompts, Launcher &launcher, frmMain &main)
-    : QWidget(&main, Qt::Window)
+frmIndex::frmIndex(AppState &state, ViewerContext &context, Prompts &prompts, Launcher &launcher,
+                   ViewGeometry::Twips twips, QWidget *owner)
+    : QWidget(owner, Qt::Window)
     , m_state(state)
     , m_prompts(prompts)
     , m_launcher(launcher)
-    , m_main(main)
+    , m_context(context)
     , m_decoder(new ThumbnailDecoder(ThumbnailCache(), this))
-    , m_stopWatch(new QTimer(this))
     , m_durationPoll(new QTimer(this))
 {
     setObjectName(QStringLiteral("frmIndex"));
     setAcceptDrops(true);
     setFocusPolicy(Qt::StrongFocus);
-    m_twips = main.twips();
+    m_twips = twips;
     buildControls();
     buildMenu();
 
@@ -62,11 +62,6 @@ frmIndex::frmIndex(AppState &state, Prompts &prompts, Launcher &launcher, frmMai
         thumbnailArrived(result.cell, result.image, result.naturalSize);
     });
     connect(m_decoder, &ThumbnailDecoder::allDone, this, &frmIndex::picturesDone);
-    m_stopWatch->setInterval(30);
-    connect(m_stopWatch, &QTimer::timeout, this, [this] {
-        if (m_state.StopPreviewLoad || !m_state.IndexLoading)
-            abandonPage();
-    });
     m_durationPoll->setInterval(100);
     connect(m_durationPoll, &QTimer::timeout, this, [this] {
         bool waiting = false;
@@ -242,7 +237,7 @@ void frmIndex::layoutControls()
 
 void frmIndex::Form_Load()
 {
-    const QPoint mainCorner = m_main.frameGeometry().topLeft();
+    const QPoint mainCorner = parentWidget() ? parentWidget()->frameGeometry().topLeft() : QPoint();
     move(mainCorner.x() + m_twips.toPixelsX(IndexRules::WindowOffsetFromMain), mainCorner.y());
     ApplyLanguage();
 }
@@ -343,12 +338,9 @@ void frmIndex::keyPressEvent(QKeyEvent *event)
 
 void frmIndex::closeEvent(QCloseEvent *event)
 {
-    m_state.StopPreviewLoad = true;
-    m_decoder->cancel();
-    m_state.IndexLoading = false;
-    m_stopWatch->stop();
+    stopPageBuild();
     hide();
-    m_state.IndexShown = false;
+    m_open = false;
     // A hidden window must not go on playing; the next opening rebuilds the page.
     releaseAllPlayers();
     event->accept();
@@ -365,6 +357,7 @@ void frmIndex::dropEvent(QDropEvent *event)
     const QList<QUrl> urls = event->mimeData()->urls();
     if (!urls.isEmpty() && urls.first().isLocalFile()) {
         event->acceptProposedAction();
-        m_main.DropFile(urls.first().toLocalFile());
+        if (onDrop)
+            onDrop(urls.first().toLocalFile());
     }
 }

@@ -23,7 +23,7 @@ class QTimer;
 class QToolButton;
 class ThumbnailDecoder;
 class CommandSet;
-class frmMain;
+class ViewerContext;
 
 // The thumbnail index: the main window's list as pages of 24 cells, where
 // pictures are thumbnails and movies play in small players of their own.
@@ -32,7 +32,9 @@ class frmMain;
 class frmIndex : public QWidget {
     Q_OBJECT
 public:
-    frmIndex(AppState &state, Prompts &prompts, Launcher &launcher, frmMain &main);
+    // A window of its own, kept by the owner (the main window).
+    frmIndex(AppState &state, ViewerContext &context, Prompts &prompts, Launcher &launcher, ViewGeometry::Twips twips,
+             QWidget *owner);
     ~frmIndex() override;
 
     struct Cell {
@@ -82,6 +84,13 @@ public:
     // Whether the user made Vimora the viewer of files of this type (the
     // extension's last letters, upper case, not normalised).
     std::function<bool(const QString &typeCode)> isAssociatedType;
+    // The main window's side: whether its player plays the file now; it
+    // takes the keyboard after a file opens there; a program was opened
+    // for the user; F2; the list read again; a file dropped here.
+    std::function<bool(const QString &path)> playsInMain;
+    std::function<void()> onShownInMain, onLanguage, onRefreshList;
+    std::function<void(bool started)> onLaunched;
+    PathHook onDrop;
     void updateCommandStates(); // call after setting hooks
 
     void Form_Load();
@@ -90,8 +99,16 @@ public:
     // Rebuilds after a list change of the main window; a new folder or
     // filter starts again at page 0.
     void followMainList();
-    bool pageLoading() const;
+    bool pageLoading() const { return m_pageBuilding; }
+    // The page under way is given up: its thumbnails are not shown.
+    void stopPageBuild();
+    // The user has the index open, though it may be hidden with the main window.
+    bool isOpen() const { return m_open; }
+    void setOpen(bool open) { m_open = open; }
+    bool hiddenWithMain() const { return m_hiddenWithMain; }
+    void setHiddenWithMain(bool hidden) { m_hiddenWithMain = hidden; }
 
+    void stepThroughMainList(int steps); // Up and Down show the main window's neighbours
     void cmdNext_Click();
     void cmdBack_Click();
     void cmdRefr_Click();
@@ -162,10 +179,12 @@ private:
     AppState &m_state;
     Prompts &m_prompts;
     Launcher &m_launcher;
-    frmMain &m_main;
+    ViewerContext &m_context;
     ViewGeometry::Twips m_twips;
     ThumbnailDecoder *m_decoder;
-    QTimer *m_stopWatch;      // notices StopPreviewLoad while thumbnails decode
+    bool m_pageBuilding = false;
+    bool m_open = false;
+    bool m_hiddenWithMain = false;
     QTimer *m_durationPoll;   // movie cells whose duration is not known yet
     int m_durationPolls = 0;
     int m_thumbnailsShown = 0;

@@ -4,13 +4,13 @@
 
 #include "commands/CommandSet.h"
 #include "commands/WindowKeys.h"
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "platform/LanguageChoice.h"
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
 #include "system/AssociationGroups.h"
-#include "viewer/frmMain.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -62,7 +62,7 @@ int frmIndex::cellOfPath(const QString &path) const
 
 void frmIndex::mnuOpen_Click()
 {
-    m_state.FullScreenActive = false;
+    m_context.setFullScreenActive(false);
     if (SelectedFile == u"..") {
         cmdRefr_Click();
         return;
@@ -72,8 +72,7 @@ void frmIndex::mnuOpen_Click()
         MoviePlayer *player = cells[SelectedCell].MediaPlayer1;
         if (!player->FileName().isEmpty())
             SelectedFile = player->FileName();
-        if (m_state.MainMovieLoaded && m_main.MediaPlayer1->FileName() == SelectedFile
-            && m_main.MediaPlayer1->PlayState() == MoviePlayer::Playing)
+        if (playsInMain && playsInMain(SelectedFile))
             return;
         // The main window takes the movie over where the cell was.
         position = player->CurrentPosition();
@@ -81,13 +80,24 @@ void frmIndex::mnuOpen_Click()
             player->Pause();
     }
     Mostra_Main(QFileInfo(SelectedFile).fileName(), position);
-    m_main.activateWindow();
-    m_main.setFocus();
+    if (onShownInMain)
+        onShownInMain();
+}
+
+void frmIndex::stepThroughMainList(int steps)
+{
+    ViewerContext::ShowRequest request;
+    request.steps = steps;
+    request.wraps = m_state.SlideshowOn;
+    m_context.show(request);
 }
 
 void frmIndex::Mostra_Main(const QString &name, double startPosition)
 {
-    m_main.Mostra_Image(false, name, false, startPosition);
+    ViewerContext::ShowRequest request;
+    request.name = name;
+    request.startPosition = startPosition;
+    m_context.show(request);
 }
 
 void frmIndex::mnuPlay_Click()
@@ -119,19 +129,17 @@ void frmIndex::mnuRemove_Click()
         return;
     onRemoveFromFavourites(SelectedFile);
     MarkIndexThumbnail(SelectedFile, false);
-    if (SelectedFile == m_state.currentPath())
-        m_main.cmdAdd->setEnabled(true);
 }
 
 void frmIndex::mnuMove_Click()
 {
     if (!onMove || SelectedFile.isEmpty())
         return;
-    const bool wasOnShow = SelectedFile == m_state.currentPath();
+    const bool wasOnShow = SelectedFile == m_context.currentPath();
     if (!onMove(SelectedFile))
         return;
     if (wasOnShow)
-        m_state.CurrentFileName.clear();
+        m_context.setCurrentFileName(QString());
     cmdRefr_Click();
 }
 
@@ -149,7 +157,9 @@ void frmIndex::mnuWall_Click()
 
 void frmIndex::cmdDir_Click()
 {
-    m_main.noteLaunched(m_launcher.openWithDefault(m_state.CurrentFolder).started);
+    const bool started = m_launcher.openWithDefault(m_context.CurrentFolder()).started;
+    if (onLaunched)
+        onLaunched(started);
 }
 
 void frmIndex::MarkIndexThumbnail(const QString &path, bool favourite)
@@ -210,9 +220,12 @@ void frmIndex::wireCommands()
     set.wire(C::Next, this, &frmIndex::cmdNext_Click);
     set.wire(C::Refresh, this, &frmIndex::cmdRefr_Click);
     set.wire(C::DirExplore, this, &frmIndex::cmdDir_Click);
-    set.wire(C::StepBack, [this] { m_main.Mostra_Image(true, QString()); });
-    set.wire(C::StepNext, [this] { m_main.Mostra_Image(false, QString()); });
-    set.wire(C::Language, [this] { m_main.switchLanguage(); }); // every window follows
+    set.wire(C::StepBack, [this] { stepThroughMainList(-1); });
+    set.wire(C::StepNext, [this] { stepThroughMainList(1); });
+    set.wire(C::Language, [this] {
+        if (onLanguage)
+            onLanguage(); // every window follows
+    });
     set.wire(C::Undo, [this] {
         if (onUndo)
             onUndo();

@@ -1,19 +1,16 @@
 // The movies of a page played, paused and stopped together or one by one.
 #include "index/frmIndex.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "platform/MoviePlayer.h"
-#include "viewer/frmMain.h"
 
 #include <QPushButton>
 #include <QScrollBar>
 
 void frmIndex::cmdPlay_Click()
 {
-    m_state.StopPreviewLoad = false;
     for (int cell = 0; cell < IndexRules::CellCount; ++cell) {
-        if (m_state.StopPreviewLoad)
-            break;
         MoviePlayer *player = cells[cell].MediaPlayer1;
         if (!player->FileName().isEmpty() && player->PlayState() != MoviePlayer::Playing)
             cmdPlaySmall_Click(cell);
@@ -51,8 +48,7 @@ void frmIndex::cmdPlaySmall_Click(int cell)
 {
     MoviePlayer *player = cells[cell].MediaPlayer1;
     const QString file = player->FileName();
-    const bool playingInMain = m_state.MainMovieLoaded && !file.isEmpty() && m_main.MediaPlayer1->FileName() == file
-                            && m_main.MediaPlayer1->PlayState() == MoviePlayer::Playing;
+    const bool playingInMain = !file.isEmpty() && playsInMain && playsInMain(file);
     // The same movie never plays twice at once.
     if (!playingInMain && !file.isEmpty())
         player->Play();

@@ -2,14 +2,14 @@
 // the movie cells opened.
 #include "index/frmIndex.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "display/FilterItemDelegate.h"
-#include "files/FileSizeText.h"
+#include "core/FileSizeText.h"
 #include "index/ThumbnailDecoder.h"
 #include "platform/DataFolder.h"
 #include "platform/MoviePlayer.h"
-#include "viewer/frmMain.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -46,11 +46,6 @@ void frmIndex::resetCell(Cell &cell)
     cell.durationShown = false;
 }
 
-bool frmIndex::pageLoading() const
-{
-    return m_state.IndexLoading;
-}
-
 void frmIndex::setGroupButtons(bool visible, bool enabled)
 {
     for (QToolButton *button : {cmdPlay, cmdPause, cmdStop, cmdVol}) {
@@ -62,12 +57,12 @@ void frmIndex::setGroupButtons(bool visible, bool enabled)
 
 void frmIndex::followMainList()
 {
-    if (!m_state.IndexShown)
+    if (!m_open)
         return;
-    const QString filter = m_main.typeFilterText();
-    if (m_state.CurrentFolder != m_pageFolder || filter != m_pageFilter)
+    const QString filter = m_context.listedFilterText();
+    if (m_context.CurrentFolder() != m_pageFolder || filter != m_pageFilter)
         IndexPage = 0;
-    m_pageFolder = m_state.CurrentFolder;
+    m_pageFolder = m_context.CurrentFolder();
     m_pageFilter = filter;
     Carica_Preview();
 }
@@ -76,14 +71,14 @@ void frmIndex::Carica_Preview()
 {
     m_decoder->cancel();
     m_durationPoll->stop();
-    m_state.StopPreviewLoad = false;
-    m_state.IndexLoading = true;
-    m_pageFolder = m_state.CurrentFolder;
-    m_pageFilter = m_main.typeFilterText();
-    setWindowTitle(QLatin1Char(' ') + m_state.CurrentFolder);
+    // A new page supersedes the one under way: its thumbnails are cancelled.
+    m_pageBuilding = true;
+    m_pageFolder = m_context.CurrentFolder();
+    m_pageFilter = m_context.listedFilterText();
+    setWindowTitle(QLatin1Char(' ') + m_context.CurrentFolder());
 
     FraFondo->hide();
-    const IndexRules::Page page = IndexRules::pageOf(m_state.FileNames, IndexPage);
+    const IndexRules::Page page = IndexRules::pageOf(m_context.FileNames(), IndexPage);
     cmdBack->setEnabled(page.hasPrevious);
     cmdNext->setEnabled(page.hasNext);
     LabLoad->setText(QStringLiteral("0 Files ..."));
@@ -100,8 +95,8 @@ void frmIndex::Carica_Preview()
     const QSize box = thumbnailBoxPixels();
     for (int i = page.begin; i < page.end; ++i) {
         const int cell = IndexRules::cellOfListIndex(page, i);
-        const QString name = m_state.FileNames.value(i);
-        const QString path = QFileInfo(QDir(m_state.CurrentFolder), name).filePath();
+        const QString name = m_context.FileNames().value(i);
+        const QString path = QFileInfo(QDir(m_context.CurrentFolder()), name).filePath();
         if (name.isEmpty() || !QFileInfo::exists(path))
             continue; // gone since the list was read: the cell stays hidden
         prepareCell(cell, path, name);
@@ -110,8 +105,6 @@ void frmIndex::Carica_Preview()
     }
     if (m_decoder->pending() == 0)
         picturesDone();
-    else
-        m_stopWatch->start();
 }
 
 void frmIndex::prepareCell(int index, const QString &path, const QString &name)
@@ -146,16 +139,15 @@ void frmIndex::prepareCell(int index, const QString &path, const QString &name)
 
 void frmIndex::thumbnailArrived(int index, const QImage &image, QSize naturalSize)
 {
-    if (index < 0 || index >= IndexRules::CellCount || m_state.StopPreviewLoad)
+    if (index < 0 || index >= IndexRules::CellCount || !m_pageBuilding)
         return;
     Cell &cell = cells[index];
     ++m_thumbnailsShown;
     LabLoad->setText(IndexRules::progressText(IndexPage, m_pageStartNumber + m_thumbnailsShown - 1,
-                                              m_state.FolderSummaryText));
+                                              m_context.FolderSummaryText()));
     if (!QFileInfo::exists(cell.path)) {
         // Gone while it was read: the page ends here.
         abandonPage();
-        m_state.StopPreviewLoad = true;
         return;
     }
     if (image.isNull())
@@ -183,24 +175,28 @@ void frmIndex::thumbnailArrived(int index, const QImage &image, QSize naturalSiz
     cell.Image1->show();
 }
 
+void frmIndex::stopPageBuild()
+{
+    if (m_pageBuilding)
+        abandonPage();
+}
+
 void frmIndex::abandonPage()
 {
     m_decoder->cancel();
-    m_stopWatch->stop();
-    m_state.IndexLoading = false;
+    m_pageBuilding = false;
     LabLoad->hide();
     unsetCursor();
 }
 
 void frmIndex::picturesDone()
 {
-    m_stopWatch->stop();
-    if (m_state.StopPreviewLoad || !m_state.IndexLoading)
+    if (!m_pageBuilding)
         return;
     LabLoad->hide();
-    if (!m_state.IndexHiddenWithMain && m_state.IndexShown && !m_state.FullScreenActive)
+    if (!m_hiddenWithMain && m_open && !m_context.FullScreenActive())
         show();
-    m_state.IndexLoading = false;
+    m_pageBuilding = false;
     openMovieCells();
     finishPage();
 }
@@ -239,7 +235,6 @@ void frmIndex::showDuration(int index)
 
 void frmIndex::finishPage()
 {
-    m_state.StopPreviewLoad = true;
     setGroupButtons(true, true);
     unsetCursor();
     emit pageLoaded();
@@ -247,9 +242,8 @@ void frmIndex::finishPage()
 
 void frmIndex::cmdNext_Click()
 {
-    if (!IndexRules::pageOf(m_state.FileNames, IndexPage).hasNext)
+    if (!IndexRules::pageOf(m_context.FileNames(), IndexPage).hasNext)
         return;
-    m_state.StopPreviewLoad = true;
     ++IndexPage;
     Carica_Preview();
 }
@@ -258,12 +252,12 @@ void frmIndex::cmdBack_Click()
 {
     if (IndexPage < 1)
         return;
-    m_state.StopPreviewLoad = true;
     --IndexPage;
     Carica_Preview();
 }
 
 void frmIndex::cmdRefr_Click()
 {
-    m_main.refreshForIndex();
+    if (onRefreshList)
+        onRefreshList();
 }

@@ -2,6 +2,7 @@
 
 #include "viewer/FolderWatch.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/FormTexts.h"
 #include "core/MessageCatalogue.h"
@@ -54,9 +55,12 @@ QLabel *statusLabel(QWidget *parent, const char *name)
 
 } // namespace
 
-frmMain::frmMain(AppState &state, Prompts &prompts, Launcher &launcher, QWidget *parent)
-    : QWidget(parent), m_state(state), m_prompts(prompts), m_launcher(launcher)
+frmMain::frmMain(AppState &state, ViewerContext &context, Prompts &prompts, Launcher &launcher, QWidget *parent)
+    : QWidget(parent), m_state(state), m_context(context), m_prompts(prompts), m_launcher(launcher)
 {
+    m_context.setPresenter(this);
+    // The neighbours are decoded ahead before anything else follows a shown file.
+    connect(&m_context, &ViewerContext::fileShown, this, &frmMain::prefetchNeighbours);
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral(" Vimora"));
     setAcceptDrops(true);
@@ -76,7 +80,7 @@ frmMain::frmMain(AppState &state, Prompts &prompts, Launcher &launcher, QWidget 
            qMax(m_twips.toPixelsY(ViewGeometry::MinWindowHeight), available.height() * 3 / 4));
 }
 
-frmMain::~frmMain() = default;
+frmMain::~frmMain() { m_context.setPresenter(nullptr); }
 
 void frmMain::buildControls()
 {
@@ -239,7 +243,7 @@ bool frmMain::eventFilter(QObject *watched, QEvent *event)
     // so the list does not change under the user's pointer.
     if (watched == CboURL->view() && event->type() == QEvent::Show) {
         stopSlideTimer();
-        m_state.StopPreviewLoad = true;
+        stopIndexPage();
     }
     // Qt widens the open filter list to its longest item text, codes and
     // pattern lists included; keep it to the labels the delegate draws.
@@ -253,7 +257,7 @@ bool frmMain::eventFilter(QObject *watched, QEvent *event)
     }
     // Over the controls the pointer is the ordinary one, unless cropping.
     if ((watched == Frame1 || watched == FraFondoTop) && event->type() == QEvent::Enter
-        && !m_state.CropSelectionActive)
+        && !m_cropSelectionActive)
         unsetCursor();
     // The size label over a selection: a click drops the selection, the
     // right button opens the crop menu.

@@ -1,6 +1,9 @@
 #pragma once
 
 #include "commands/CommandOffers.h"
+#include "context/DisplayPresenter.h"
+#include "context/ViewerContext.h"
+#include "fullscreen/FullViewHost.h"
 #include "display/ViewGeometry.h"
 #include "display/ZoomRules.h"
 #include "files/FileUndo.h"
@@ -54,10 +57,10 @@ class QTreeView;
 // The main window: folder browser on top, the display area, the status row.
 // The handlers keep the names under which their behaviour is described;
 // the rules they apply live in plain functions beside this file.
-class frmMain : public QWidget {
+class frmMain : public QWidget, private DisplayPresenter, private FullViewHost {
     Q_OBJECT
 public:
-    frmMain(AppState &state, Prompts &prompts, Launcher &launcher, QWidget *parent = nullptr);
+    frmMain(AppState &state, ViewerContext &context, Prompts &prompts, Launcher &launcher, QWidget *parent = nullptr);
     ~frmMain() override;
 
     // Start-up; the command line is one file path or empty.
@@ -67,8 +70,9 @@ public:
     // Shows a file: moves through the list (empty name), or by name, or by
     // full path; startPosition is where a movie starts, in seconds.
     void Mostra_Image(bool backward, const QString &name, bool nameIsFullPath = false, double startPosition = 0);
-    // The list is being read again: a step has no file to land on yet.
-    bool listingUnderWay() const { return m_listing || m_listRereads > 0; }
+
+    ViewerContext &context() const { return m_context; } // what this window shows
+    bool cropSelectionActive() const { return m_cropSelectionActive; }
 
     void ApplyLanguage(); // captions and tooltips of the current language
     // F2 in any window: the language chooser, then every open window in the new language.
@@ -156,7 +160,7 @@ public:
     void cmdUp_Click();
     void cmdRefr_Click();
     void cmdClear_Click();
-    void setDir1Path(const QString &folder); // raises Dir1_Change unless BrowserReady is false
+    void setDir1Path(const QString &folder); // raises Dir1_Change when the browser is ready
     QString dir1Path() const;
 
     // Navigation.
@@ -217,6 +221,8 @@ public:
     // Thumbnail index (frmMainIndex.cpp).
     void cmdIndex_Click();
     void refreshForIndex(); // the index's refresh: the list is read again
+    void stopIndexPage();   // a page under way is given up: the list changes
+    bool indexPageLoading() const;
     frmIndex *indexWindow() const { return m_index; }
     // File commands and the favourites window (frmMainFiles.cpp).
     void cmdAdd_Click();
@@ -260,8 +266,6 @@ public:
     std::function<void(frmFull &view)> onFullViewLoaded;
 
 signals:
-    void fileShown(const QString &path);
-    void listLoaded();
     // A copy, area or frame was written into the browsed folder and the list
     // reloaded: the thumbnail page should reload too.
     void outputWrittenIntoFolder(const QString &path);
@@ -302,6 +306,31 @@ private:
     void hideStatusLabels();
     void showStatusLabels();
     void clearDisplay();
+    // The steps of showing a file, in the order the context runs them.
+    void clearSelection() override;
+    void releaseShown() override;
+    bool showsAtOnce(const QString &path) const override { return shownAtOnce(path); }
+    void showNothing() override;
+    void announceFile(const QString &path, FileTypeCatalogue::MediaClass media) override;
+    void openSlides(const QString &path) override;
+    void presentMovie(const QString &path, double startPosition) override;
+    void presentPicture(const QString &path) override;
+    void enableFileCommands() override;
+    void updateNavigation() override;
+    void followInFullScreen(FileTypeCatalogue::MediaClass media) override;
+    void showStatusRow(FileTypeCatalogue::MediaClass media) override;
+    // What the full-screen view asks of this window.
+    void chooseZoom(int percent) override { mnuZoom_Click(percent); }
+    void fitToWindow() override { mnufit_Click(); }
+    void showActualSize() override { mnuFull_Click(); }
+    void playMovie() override { mnuPlay_Click(); }
+    void stopMovie() override { mnuStop_Click(); }
+    void toggleAnimation() override { mnuAnim_Click(); }
+    int moviePlayState() const override;
+    bool shellOpenOffered() const override;
+    void holdSlideshow() override { stopSlideTimer(); }
+    void resumeSlideshow() override { restartSlideTimerIfOn(); }
+    void fullViewClosed() override;
     void stopSlideTimer();
     void restartSlideTimerIfOn();
     // Next and previous by key: presses that come faster than pictures show
@@ -316,6 +345,7 @@ private:
     void revealDir1Current();
     void showPicture(const QString &path);
     void resizePicture(QSize shown);
+    void setShownPicture(const PictureLoader::Picture &loaded); // in the picture control and the context
     void showMovie(const QString &path, double startPosition);
     void fitOrActualSize();
     void fitOrActualSizeMovie();
@@ -366,6 +396,7 @@ private:
     void MediaPlayer1_DisplaySizeChange(int displaySize);
 
     AppState &m_state;
+    ViewerContext &m_context;
     Prompts &m_prompts;
     Launcher &m_launcher;
     ViewGeometry::Twips m_twips;
@@ -379,6 +410,12 @@ private:
     bool m_completionRunning = false;
     qsizetype m_lastTypedLength = 0;
     bool m_unloaded = false;
+    // Code that fills the folder controls raises their change handlers:
+    // they do nothing while this is false.
+    bool m_browserReady = false;
+    // A folder read again keeps the movie that plays (a filter that still lists it).
+    bool m_keepDisplay = false;
+    bool m_cropSelectionActive = false;
     double m_fitPercent = 100;
     double m_zoomPercent = 0;      // 0: the mode of Option1 applies
     int m_pendingSteps = 0;        // key presses not shown yet, back negative
@@ -396,8 +433,6 @@ private:
     double m_savedMoviePosition = 0;
     int m_savedDisplaySize = 4;     // the player's display size before full screen
     QPointer<frmFull> m_fullView;
-    QString m_fileSizeDisplay;
-    int m_listGeneration = 0;       // a new list load cancels the running one
     LaunchPause m_launchPause;
     std::function<QList<Drive>()> m_listDrives = listDrives;
     QString m_dirPopupFolder;          // the folder tree entry the pop-up was opened over
@@ -460,13 +495,10 @@ private:
     void followFolderChange();
     bool folderChangeMustWait() const;
     FolderWatch *m_folderWatch = nullptr;
-    bool m_listing = false; // Carica_ListaImages is under way
-    // Refreshes and folder changes under way, nested ones counted: their
-    // list is not settled until the file to show is chosen again.
-    int m_listRereads = 0;
+    // A refresh or folder change: steps wait until it has chosen the file to show.
     [[nodiscard]] auto listRereadUnderWay()
     {
-        ++m_listRereads;
-        return qScopeGuard([this] { --m_listRereads; });
+        m_context.beginReread();
+        return qScopeGuard([this] { m_context.endReread(); });
     }
 };

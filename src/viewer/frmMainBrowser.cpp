@@ -1,5 +1,6 @@
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
 #include "core/MessageCatalogue.h"
@@ -33,47 +34,46 @@ constexpr int NamesPerTurn = 2000;
 
 void frmMain::Carica_ListaImages(QString name)
 {
-    const int generation = ++m_listGeneration;
     stopSlideTimer();
-    if (!m_state.KeepDisplay) {
+    if (!m_keepDisplay) {
         clearDisplay();
-        m_state.CurrentFileName.clear();
+        m_context.setCurrentFileName(QString());
     }
     setCommandButtonsEnabled(false);
-    // From the emptied list to the new one, steps wait (listingUnderWay).
-    m_listing = true;
-    const auto listed = qScopeGuard([this] { m_listing = false; });
-    m_state.CurrentIndex = -1;
-    m_state.FileNames = QStringList{QString()};
+    // From the emptied list to the new one, steps wait; a newer listing
+    // makes this one give up.
+    const int listingNumber = m_context.beginListing();
+    const auto listed = qScopeGuard([this, listingNumber] { m_context.endListing(listingNumber); });
+    m_context.setCurrentIndex(-1);
+    m_context.clearList();
+    m_context.setListedFilterText(typeFilterText());
     QCoreApplication::processEvents();
-    if (generation != m_listGeneration)
+    if (m_context.listingSuperseded(listingNumber))
         return;
 
     setWaitCursor(true);
     watchListedFolder();
-    FolderListing listing(m_state.CurrentFolder, m_state.TypeFilterCode, typeFilterText());
+    FolderListing listing(m_context.CurrentFolder(), m_context.TypeFilterCode(), typeFilterText());
     while (listing.unreadable()) {
-        if (!askAfterReadError(m_state.CurrentFolder)) {
+        if (!askAfterReadError(m_context.CurrentFolder())) {
             if (fallBackToPreviousFolder())
                 return;
             break;
         }
-        listing = FolderListing(m_state.CurrentFolder, m_state.TypeFilterCode, typeFilterText());
+        listing = FolderListing(m_context.CurrentFolder(), m_context.TypeFilterCode(), typeFilterText());
     }
     QString shownEarly;
     for (bool firstStep = true; !listing.step(NamesPerTurn); firstStep = false) {
-        if (firstStep && !m_state.KeepDisplay)
+        if (firstStep && !m_keepDisplay)
             shownEarly = showBeforeListingEnds(m_pendingFileName.isEmpty() ? name : m_pendingFileName);
         QCoreApplication::processEvents();
-        if (generation != m_listGeneration)
+        if (m_context.listingSuperseded(listingNumber))
             return; // a newer folder or filter took over
     }
-    m_listing = false;
-    m_state.FileNames = listing.names().isEmpty() ? QStringList{QString()} : listing.names();
-    const int count = m_state.listIsEmpty() ? 0 : int(m_state.FileNames.size());
-    m_state.FolderSummaryText = FolderSummaryText(count, listing.totalBytes());
+    m_context.endListing(listingNumber);
+    m_context.setList(listing.names(), FolderSummaryText(int(listing.names().size()), listing.totalBytes()));
 
-    if (m_state.fileUpperBound() == 0) {
+    if (m_context.fileUpperBound() == 0) {
         cmdNext->setEnabled(false);
         cmdBack->setEnabled(false);
     } else {
@@ -83,59 +83,59 @@ void frmMain::Carica_ListaImages(QString name)
     }
     hideStatusLabels();
 
-    if (!m_state.listIsEmpty() && !m_state.KeepDisplay) {
+    if (!m_context.listIsEmpty() && !m_keepDisplay) {
         // A dropped file first, then the file asked for when it is listed
         // under the new filter, else the first one.
         QString show = m_pendingFileName.isEmpty() ? name : m_pendingFileName;
         m_pendingFileName.clear();
-        if (!m_state.FileNames.contains(show, Qt::CaseInsensitive))
-            show = m_state.FileNames.first();
+        if (!m_context.FileNames().contains(show, Qt::CaseInsensitive))
+            show = m_context.FileNames().first();
         if (show != shownEarly || !settleShownEarly(shownEarly))
             Mostra_Image(false, show);
     }
     setWaitCursor(false);
     restartSlideTimerIfOn();
-    emit listLoaded();
+    m_context.announceListLoaded();
 }
 
 void frmMain::CboType_Click()
 {
     ClearCropSelection();
-    if (!m_state.BrowserReady)
+    if (!m_browserReady)
         return;
     const auto rereading = listRereadUnderWay();
     setWaitCursor(true);
     const QString folder = StartupRules::withoutTrailingSlash(dir1Path());
     const QString itemText = typeFilterText();
-    if (itemText == m_lastTypeText && folder == m_state.CurrentFolder) {
+    if (itemText == m_lastTypeText && folder == m_context.CurrentFolder()) {
         setWaitCursor(false);
         return;
     }
-    m_state.StopPreviewLoad = true;
+    stopIndexPage();
     if (!driveReady(folder)) {
         setWaitCursor(false);
         return;
     }
 
-    if (folder == m_state.CurrentFolder && m_state.MainMovieLoaded && !MediaPlayer1->FileName().isEmpty())
-        m_state.KeepDisplay = true;
-    m_state.TypeFilterCode = FileTypeCatalogue::filterCodeOfItem(itemText);
+    if (folder == m_context.CurrentFolder() && m_context.MainMovieLoaded() && !MediaPlayer1->FileName().isEmpty())
+        m_keepDisplay = true;
+    const QString filterCode = FileTypeCatalogue::filterCodeOfItem(itemText);
     if (itemText != m_lastTypeText) {
         // A movie keeps playing only under the filters that still list it.
-        if (m_state.TypeFilterCode != u"ALLSUP" && m_state.TypeFilterCode != u"ALLMOV")
-            m_state.KeepDisplay = false;
+        if (filterCode != u"ALLSUP" && filterCode != u"ALLMOV")
+            m_keepDisplay = false;
         m_lastTypeText = itemText;
     }
-    m_state.TypeFilterIndex = CboType->currentIndex();
-    if (!m_state.KeepDisplay && !MediaPlayer1->FileName().isEmpty()) {
+    m_context.setTypeFilter(filterCode, CboType->currentIndex());
+    if (!m_keepDisplay && !MediaPlayer1->FileName().isEmpty()) {
         MediaPlayer1->Stop();
         MediaPlayer1->setFileName(QString());
     }
-    m_state.CurrentFolder = folder;
+    m_context.setFolder(folder);
 
-    Carica_ListaImages(m_state.CurrentFileName);
-    m_state.KeepDisplay = false;
-    if (m_state.listIsEmpty()) {
+    Carica_ListaImages(m_context.CurrentFileName());
+    m_keepDisplay = false;
+    if (m_context.listIsEmpty()) {
         cmdAdd->setEnabled(false);
         cmdNext->setEnabled(false);
         cmdBack->setEnabled(false);
@@ -148,19 +148,19 @@ void frmMain::CboType_Click()
 void frmMain::Dir1_Change()
 {
     ClearCropSelection();
-    if (!m_state.BrowserReady)
+    if (!m_browserReady)
         return;
     const auto rereading = listRereadUnderWay();
     setWaitCursor(true);
-    m_state.StopPreviewLoad = true;
+    stopIndexPage();
     ChkCicle->setChecked(false);
     QCoreApplication::processEvents();
-    m_state.FileNames = QStringList{QString()};
+    m_context.clearList();
     setWindowTitle(QStringLiteral(" Vimora"));
     const QString folder = StartupRules::withoutTrailingSlash(dir1Path());
     setPathBoxText(folder);
 
-    if (m_state.MainMovieLoaded && !MediaPlayer1->FileName().isEmpty()) {
+    if (m_context.MainMovieLoaded() && !MediaPlayer1->FileName().isEmpty()) {
         MediaPlayer1->Stop();
         MediaPlayer1->setFileName(QString());
     }
@@ -168,31 +168,31 @@ void frmMain::Dir1_Change()
         setWaitCursor(false);
         return;
     }
-    if (folder == m_state.CurrentFolder) {
-        if (m_state.IndexLoading) {
-            m_state.StopPreviewLoad = true;
-            m_state.FileNames = QStringList{QString()};
+    if (folder == m_context.CurrentFolder()) {
+        if (indexPageLoading()) {
+            stopIndexPage();
+            m_context.clearList();
             cmdRefr_Click();
         }
         setWaitCursor(false);
         return;
     }
 
-    m_previousFolder = m_state.CurrentFolder;
-    m_previousFileName = m_state.CurrentFileName;
-    m_state.CurrentFolder = folder;
+    m_previousFolder = m_context.CurrentFolder();
+    m_previousFileName = m_context.CurrentFileName();
+    m_context.setFolder(folder);
     m_state.OutputFolder = folder;
-    m_state.StopPreviewLoad = true;
+    stopIndexPage();
     QCoreApplication::processEvents();
     if (!m_fromHistory)
-        Inserisci_URL(m_state.CurrentFolder);
+        Inserisci_URL(m_context.CurrentFolder());
     m_fromHistory = false;
 
     m_lastTypeText = typeFilterText();
-    Carica_ListaImages(m_state.CurrentFileName);
+    Carica_ListaImages(m_context.CurrentFileName());
     QCoreApplication::processEvents();
 
-    m_state.BrowserReady = true;
+    m_browserReady = true;
     restartSlideTimerIfOn();
     setWaitCursor(false);
 }
@@ -200,9 +200,9 @@ void frmMain::Dir1_Change()
 void frmMain::Drive1_Change()
 {
     ClearCropSelection();
-    if (!m_state.BrowserReady)
+    if (!m_browserReady)
         return;
-    m_state.StopPreviewLoad = true;
+    stopIndexPage();
     const QString root = Drive1->currentData().toString();
     if (!driveReady(root))
         return;
@@ -211,31 +211,31 @@ void frmMain::Drive1_Change()
 
 void frmMain::CboURL_Click()
 {
-    if (!m_state.BrowserReady)
+    if (!m_browserReady)
         return;
     const auto rereading = listRereadUnderWay();
     setWaitCursor(true);
     stopSlideTimer();
     QString path = StartupRules::withoutTrailingSlash(CboURL->currentText().trimmed());
-    m_state.StopPreviewLoad = true;
-    m_state.BrowserReady = false;
+    stopIndexPage();
+    m_browserReady = false;
     QCoreApplication::processEvents();
     bool cancelled = !driveReady(path);
     while (!cancelled && !QDir(path).exists())
         cancelled = !askAfterReadError(path);
     if (cancelled) {
-        setPathBoxText(m_state.CurrentFolder); // back to the folder on show
-        m_state.BrowserReady = true;
+        setPathBoxText(m_context.CurrentFolder()); // back to the folder on show
+        m_browserReady = true;
         setWaitCursor(false);
         return;
     }
     QDir::setCurrent(path);
     m_fromHistory = true;
     selectDriveOf(path);
-    m_state.BrowserReady = true;
+    m_browserReady = true;
     if (StartupRules::withoutTrailingSlash(dir1Path()) != path)
         setDir1Path(path);
-    else if (m_state.IndexLoading)
+    else if (indexPageLoading())
         Dir1_Change();
     m_fromHistory = false;
     restartSlideTimerIfOn();
@@ -244,7 +244,7 @@ void frmMain::CboURL_Click()
 
 void frmMain::CboURL_Change()
 {
-    if (!m_state.BrowserReady || m_completionRunning)
+    if (!m_browserReady || m_completionRunning)
         return;
     stopSlideTimer();
     const QString typed = CboURL->currentText().trimmed();
@@ -271,13 +271,13 @@ void frmMain::CboURL_Change()
 void frmMain::Carica_URL()
 {
     const QStringList history = PathHistory::load(m_state.settings);
-    const bool ready = m_state.BrowserReady;
-    m_state.BrowserReady = false;
+    const bool ready = m_browserReady;
+    m_browserReady = false;
     CboURL->clear();
     CboURL->addItems(history);
-    setPathBoxText(m_state.CurrentFolder);
+    setPathBoxText(m_context.CurrentFolder());
     CboURL->lineEdit()->selectAll();
-    m_state.BrowserReady = ready;
+    m_browserReady = ready;
     if (!history.isEmpty())
         cmdClear->setEnabled(true);
 }
@@ -300,19 +300,19 @@ void frmMain::cmdClear_Click()
         return;
     cmdClear->setEnabled(false);
     PathHistory::clear(m_state.settings);
-    const bool ready = m_state.BrowserReady;
-    m_state.BrowserReady = false;
+    const bool ready = m_browserReady;
+    m_browserReady = false;
     const QString text = CboURL->currentText();
     CboURL->clear();
     setPathBoxText(text);
-    m_state.BrowserReady = ready;
+    m_browserReady = ready;
 }
 
 void frmMain::cmdUp_Click()
 {
     ClearCropSelection();
-    m_state.StopPreviewLoad = true;
-    QDir parent(m_state.CurrentFolder);
+    stopIndexPage();
+    QDir parent(m_context.CurrentFolder());
     if (parent.cdUp())
         setDir1Path(parent.absolutePath());
 }
@@ -320,26 +320,26 @@ void frmMain::cmdUp_Click()
 void frmMain::cmdRefr_Click()
 {
     // The file on show comes back after the re-read, a movie where it was.
-    const double position = m_state.MainMovieLoaded ? MediaPlayer1->CurrentPosition() : 0;
+    const double position = m_context.MainMovieLoaded() ? MediaPlayer1->CurrentPosition() : 0;
     const auto rereading = listRereadUnderWay();
     clearDisplay();
-    m_state.KeepDisplay = true;
-    const QString folder = m_state.CurrentFolder;
+    m_keepDisplay = true;
+    const QString folder = m_context.CurrentFolder();
     if (!driveReady(folder)) {
-        m_state.KeepDisplay = false;
+        m_keepDisplay = false;
         return;
     }
-    m_state.CurrentFolder.clear(); // so that the folder counts as changed
+    m_context.setFolder(QString()); // so that the folder counts as changed
     if (StartupRules::withoutTrailingSlash(dir1Path()) == folder)
         Dir1_Change();
     else
         setDir1Path(folder);
-    m_state.KeepDisplay = false;
-    if (m_state.listIsEmpty())
+    m_keepDisplay = false;
+    if (m_context.listIsEmpty())
         return;
-    const QString name = m_state.FileNames.contains(m_state.CurrentFileName, Qt::CaseInsensitive)
-        ? m_state.CurrentFileName
-        : m_state.FileNames.first();
+    const QString name = m_context.FileNames().contains(m_context.CurrentFileName(), Qt::CaseInsensitive)
+        ? m_context.CurrentFileName()
+        : m_context.FileNames().first();
     Mostra_Image(false, name, false, position);
 }
 
@@ -379,8 +379,8 @@ void frmMain::revealDir1Current()
 
 void frmMain::fillDrives()
 {
-    const bool ready = m_state.BrowserReady;
-    m_state.BrowserReady = false;
+    const bool ready = m_browserReady;
+    m_browserReady = false;
     Drive1->clear();
     for (const Drive &drive : m_listDrives()) {
         QString text = drive.rootPath;
@@ -388,18 +388,18 @@ void frmMain::fillDrives()
             text += QStringLiteral("  [") + drive.label + QLatin1Char(']');
         Drive1->addItem(text, drive.rootPath);
     }
-    selectDriveOf(m_state.CurrentFolder);
-    m_state.BrowserReady = ready;
+    selectDriveOf(m_context.CurrentFolder());
+    m_browserReady = ready;
 }
 
 void frmMain::selectDriveOf(const QString &folder)
 {
-    const bool ready = m_state.BrowserReady;
-    m_state.BrowserReady = false;
+    const bool ready = m_browserReady;
+    m_browserReady = false;
     const int index = Drive1->findData(driveOf(folder, m_listDrives()));
     if (index >= 0)
         Drive1->setCurrentIndex(index);
-    m_state.BrowserReady = ready;
+    m_browserReady = ready;
 }
 
 // A folder that cannot be read: Retry tries again, Cancel lists nothing.
@@ -420,14 +420,14 @@ bool frmMain::askAfterReadError(const QString &folder)
 bool frmMain::fallBackToPreviousFolder()
 {
     const QString folder = m_previousFolder;
-    const QString failed = m_state.CurrentFolder;
+    const QString failed = m_context.CurrentFolder();
     m_previousFolder.clear();
     if (folder.isEmpty() || folder == failed || !QFileInfo(folder).isReadable())
         return false;
-    m_state.CurrentFolder.clear(); // so that the folder counts as changed
-    m_state.CurrentFileName = m_previousFileName;
+    m_context.setFolder(QString()); // so that the folder counts as changed
+    m_context.setCurrentFileName(m_previousFileName);
     m_fromHistory = true; // going back is not a new visit
-    m_state.BrowserReady = true;
+    m_browserReady = true;
     if (StartupRules::withoutTrailingSlash(dir1Path()) == folder)
         Dir1_Change();
     else
@@ -449,8 +449,8 @@ bool frmMain::driveReady(const QString &folder)
             + m_state.messages.GetMsg(1002, QStringLiteral("Not Ready ..."));
         if (m_prompts.ask({text, PromptButtons::RetryCancel, PromptIcon::Question, 2}) == PromptAnswer::Retry)
             continue;
-        selectDriveOf(m_state.CurrentFolder);
-        m_state.BrowserReady = true;
+        selectDriveOf(m_context.CurrentFolder());
+        m_browserReady = true;
         return false;
     }
 }

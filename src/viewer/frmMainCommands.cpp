@@ -4,6 +4,7 @@
 
 #include "commands/CommandSet.h"
 #include "commands/WindowKeys.h"
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
 #include "core/MessageCatalogue.h"
@@ -129,22 +130,22 @@ void frmMain::wireCommands()
     });
 
     set.beforeRun = [this] { offerCommands(); };
-    connect(this, &frmMain::fileShown, this, &frmMain::offerCommands);
+    connect(&m_context, &ViewerContext::fileShown, this, &frmMain::offerCommands);
 }
 
 CommandOffers::MainFacts frmMain::mainFacts() const
 {
-    const bool movie = m_state.MainMovieLoaded;
+    const bool movie = m_context.MainMovieLoaded();
     const int playState = MediaPlayer1->PlayState();
     CommandOffers::MainFacts facts;
     facts.state = CommandOffers::stateOfFile(
-        movie, MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen, FileTypeCatalogue::mayAnimate(m_state.FileTypeCode),
-        FileTypeCatalogue::mediaClassOf(m_state.FileTypeCode) == FileTypeCatalogue::MediaClass::Slides,
-        m_state.CurrentFileName.isEmpty());
+        movie, MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen, FileTypeCatalogue::mayAnimate(m_context.FileTypeCode()),
+        FileTypeCatalogue::mediaClassOf(m_context.FileTypeCode()) == FileTypeCatalogue::MediaClass::Slides,
+        m_context.CurrentFileName().isEmpty());
     facts.movieStoppable = movie && (playState == MoviePlayer::Playing || playState == MoviePlayer::Paused);
-    facts.shellOpenAvailable = AssociationGroups::shellOpenAvailable(m_state.FileTypeCode, m_state.LinkedTypes);
+    facts.shellOpenAvailable = AssociationGroups::shellOpenAvailable(m_context.FileTypeCode(), m_state.LinkedTypes);
     facts.animating = chkAnim->isChecked();
-    facts.fullScreenUp = m_state.FullScreenActive;
+    facts.fullScreenUp = m_context.FullScreenActive();
     facts.undoAvailable = canUndo();
     return facts;
 }
@@ -157,7 +158,7 @@ void frmMain::offerCommands()
 
 void frmMain::playPauseOrNext()
 {
-    if (m_state.MainMovieLoaded) {
+    if (m_context.MainMovieLoaded()) {
         if (MediaPlayer1->PlayState() == MoviePlayer::Playing)
             MediaPlayer1->Pause();
         else
@@ -171,11 +172,11 @@ void frmMain::playPauseOrNext()
 
 void frmMain::openTypedPath()
 {
-    if (!m_state.BrowserReady)
+    if (!m_browserReady)
         return;
     const QString typed = CboURL->currentText().trimmed();
     CboURL_Click();
     QCoreApplication::processEvents();
-    if (m_state.CurrentFolder.startsWith(typed, Qt::CaseInsensitive) && !m_state.CurrentFileName.isEmpty())
-        Inserisci_URL(m_state.CurrentFolder);
+    if (m_context.CurrentFolder().startsWith(typed, Qt::CaseInsensitive) && !m_context.CurrentFileName().isEmpty())
+        Inserisci_URL(m_context.CurrentFolder());
 }

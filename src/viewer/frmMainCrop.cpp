@@ -2,6 +2,7 @@
 
 #include "commands/CommandSet.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
 #include "display/AnimationView.h"
@@ -28,20 +29,20 @@ enum Line { AnchorH, MovingH, AnchorV, MovingV };
 
 void frmMain::cmdRitaglia_Click()
 {
-    if (FileTypeCatalogue::mayAnimate(m_state.FileTypeCode) && m_state.AnimateGifs && WebBrowser1->isVisible())
+    if (FileTypeCatalogue::mayAnimate(m_context.FileTypeCode()) && m_state.AnimateGifs && WebBrowser1->isVisible())
         return; // an animation cannot be cropped
-    if (m_state.CropSelectionActive)
+    if (m_cropSelectionActive)
         ClearCropSelection();
-    m_state.CropSelectionActive = true;
+    m_cropSelectionActive = true;
     setCursor(Qt::CrossCursor);
     cmdTrucco->setFocus();
 }
 
 void frmMain::ClearCropSelection()
 {
-    if (!m_state.CropSelectionActive)
+    if (!m_cropSelectionActive)
         return;
-    m_state.CropSelectionActive = false;
+    m_cropSelectionActive = false;
     m_selectionDragging = false;
     for (QFrame *line : SelLines)
         line->hide();
@@ -65,7 +66,7 @@ QSizeF frmMain::targetSize(QWidget *target) const
 
 QWidget *frmMain::cropTarget() const
 {
-    return m_state.MainMovieLoaded ? static_cast<QWidget *>(MediaPlayer1) : static_cast<QWidget *>(ImgEgg);
+    return m_context.MainMovieLoaded() ? static_cast<QWidget *>(MediaPlayer1) : static_cast<QWidget *>(ImgEgg);
 }
 
 bool frmMain::windowInNormalState() const { return !isMaximized() && !isMinimized() && !isFullScreen(); }
@@ -173,11 +174,11 @@ bool frmMain::pictureFitsArea() const
 
 void frmMain::ImgEgg_MouseDown(QMouseEvent *event)
 {
-    if (m_state.CurrentFileName.isEmpty())
+    if (m_context.CurrentFileName().isEmpty())
         return;
     const QPointF at(m_twips.fromPixelsX(event->position().x()), m_twips.fromPixelsY(event->position().y()));
     if (event->button() == Qt::LeftButton) {
-        if (m_state.CropSelectionActive)
+        if (m_cropSelectionActive)
             Clip_Punto_Inizio(ImgEgg, at);
         else if (!pictureFitsArea())
             Img_Punto_Inizio(ImgEgg, event->globalPosition().toPoint());
@@ -188,7 +189,7 @@ void frmMain::ImgEgg_MouseDown(QMouseEvent *event)
 
 void frmMain::ImgEgg_MouseMove(QMouseEvent *event)
 {
-    if (!m_state.CropSelectionActive) {
+    if (!m_cropSelectionActive) {
         if (m_panActive)
             panTo(ImgEgg, event->globalPosition().toPoint());
         else if (!pictureFitsArea())
@@ -207,7 +208,7 @@ void frmMain::ImgEgg_MouseUp(QMouseEvent *event)
     if (event->button() != Qt::LeftButton)
         return;
     const QPointF at(m_twips.fromPixelsX(event->position().x()), m_twips.fromPixelsY(event->position().y()));
-    if (m_state.CropSelectionActive)
+    if (m_cropSelectionActive)
         Clip_Punto_Fine(ImgEgg, at);
     else
         Img_Punto_Fine(ImgEgg, event->globalPosition().toPoint());
@@ -216,8 +217,8 @@ void frmMain::ImgEgg_MouseUp(QMouseEvent *event)
 // Presses beside the picture in crop mode snap to its nearest edge.
 void frmMain::mousePressEvent(QMouseEvent *event)
 {
-    if (!m_state.CropSelectionActive || m_state.CurrentFileName.isEmpty()) {
-        if (event->button() == Qt::RightButton && !m_state.CurrentFileName.isEmpty())
+    if (!m_cropSelectionActive || m_context.CurrentFileName().isEmpty()) {
+        if (event->button() == Qt::RightButton && !m_context.CurrentFileName().isEmpty())
             showContextMenu(event->globalPosition().toPoint());
         return;
     }
@@ -232,7 +233,7 @@ void frmMain::mousePressEvent(QMouseEvent *event)
 
 void frmMain::mouseMoveEvent(QMouseEvent *event)
 {
-    if (!m_state.CropSelectionActive) {
+    if (!m_cropSelectionActive) {
         unsetCursor();
         return;
     }
@@ -245,7 +246,7 @@ void frmMain::mouseMoveEvent(QMouseEvent *event)
 
 void frmMain::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (!m_state.CropSelectionActive || event->button() != Qt::LeftButton || !m_selectionDragging)
+    if (!m_cropSelectionActive || event->button() != Qt::LeftButton || !m_selectionDragging)
         return;
     QWidget *target = cropTarget();
     const QPointF form(m_twips.fromPixelsX(event->position().x()), m_twips.fromPixelsY(event->position().y()));
@@ -258,7 +259,7 @@ void frmMain::mouseDoubleClickEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton || FraFondoBot->geometry().contains(event->position().toPoint()))
         return;
-    if (!m_state.IndexLoading)
+    if (!indexPageLoading())
         mnuFullScreen_Click();
 }
 
@@ -267,9 +268,9 @@ void frmMain::showContextMenu(QPoint globalPosition)
 {
     unsetCursor();
     stopSlideTimer();
-    if (m_state.IndexLoading)
+    if (indexPageLoading())
         return;
-    if (m_state.CropSelectionActive) {
+    if (m_cropSelectionActive) {
         SFCrop->popup(globalPosition);
         return;
     }

@@ -1,12 +1,12 @@
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
 #include "core/MessageCatalogue.h"
 #include "display/AnimationView.h"
 #include "display/PictureView.h"
 #include "display/ZoomRules.h"
-#include "files/FileSizeText.h"
 #include "platform/DataFolder.h"
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
@@ -40,26 +40,19 @@ QString typeIconName(MediaClass media)
 
 void frmMain::Mostra_Image(bool backward, const QString &name, bool nameIsFullPath, double startPosition)
 {
-    ClearCropSelection();
+    ViewerContext::ShowRequest request;
+    request.steps = name.isEmpty() ? (backward ? -1 : 1) : 0;
+    request.name = name;
+    request.nameIsFullPath = nameIsFullPath;
+    request.startPosition = startPosition;
+    request.wraps = m_state.SlideshowOn;
+    m_context.show(request);
+}
 
-    if (name.isEmpty()) {
-        // Backward stops at the first file; forward wraps only in a slideshow.
-        int index = m_state.CurrentIndex + (backward ? -1 : 1);
-        if (index < 0) {
-            m_state.CurrentIndex = 0;
-            return;
-        }
-        if (index > m_state.fileUpperBound()) {
-            if (!m_state.SlideshowOn) {
-                m_state.CurrentIndex = m_state.fileUpperBound();
-                return;
-            }
-            index = 0;
-        }
-        m_state.CurrentIndex = index;
-    }
+void frmMain::clearSelection() { ClearCropSelection(); }
 
-    // Only now that another file is coming: a move that stops keeps the row.
+void frmMain::releaseShown()
+{
     ImgTyp->clear();
     hideStatusLabels();
     stopSlideTimer();
@@ -68,91 +61,59 @@ void frmMain::Mostra_Image(bool backward, const QString &name, bool nameIsFullPa
     LabPix->clear();
     LabZoom->clear();
     setCommandButtonsEnabled(false);
-    // The cleared window is painted only when something slow may follow: a
-    // picture decoded ahead shows at once, without a blank frame before it.
-    const QString folder = m_state.CurrentFolder.endsWith(QLatin1Char('/')) ? m_state.CurrentFolder
-                                                                            : m_state.CurrentFolder + QLatin1Char('/');
-    const QString upcoming =
-        nameIsFullPath ? name : folder + (name.isEmpty() ? m_state.FileNames.value(m_state.CurrentIndex) : name);
-    if (!shownAtOnce(upcoming))
-        QCoreApplication::processEvents();
+}
 
-    if (nameIsFullPath) {
-        const qsizetype cut = name.lastIndexOf(QLatin1Char('/'));
-        m_state.CurrentFolder = cut > 0 ? name.left(cut) : QStringLiteral("/");
-        m_state.CurrentFileName = name.mid(cut + 1);
-    } else if (!name.isEmpty()) {
-        m_state.CurrentFileName = name;
-        const qsizetype found = m_state.FileNames.indexOf(name, 0); // exact spelling first
-        for (qsizetype i = found >= 0 ? found : 0; i < m_state.FileNames.size(); ++i) {
-            if (m_state.FileNames[i].compare(name, Qt::CaseInsensitive) == 0) {
-                m_state.CurrentFileName = m_state.FileNames[i];
-                m_state.CurrentIndex = int(i);
-                break;
-            }
-        }
-    } else {
-        m_state.CurrentFileName = m_state.FileNames.value(m_state.CurrentIndex);
-        if (m_state.CurrentFileName.isEmpty()) {
-            setWaitCursor(false);
-            return;
-        }
-    }
+void frmMain::showNothing() { setWaitCursor(false); }
 
-    const QString path = m_state.currentPath();
-    setWindowTitle(ViewRules::fileTitle(m_state.CurrentFileName));
-    const QString fileSize = FileSizeText(path, m_state.messages);
-    m_state.FileTypeCode =
-        FileTypeCatalogue::normalisedTypeCode(FileTypeCatalogue::extensionOf(m_state.CurrentFileName));
-    const MediaClass media = FileTypeCatalogue::mediaClassOf(m_state.FileTypeCode);
-    const bool isMovie = media == MediaClass::Movie;
-    m_fileSizeDisplay = fileSize;
+void frmMain::announceFile(const QString &path, MediaClass)
+{
+    Q_UNUSED(path);
+    setWindowTitle(ViewRules::fileTitle(m_context.CurrentFileName()));
     cmdExpand->setEnabled(true);
     cmdReduce->setEnabled(true);
+}
 
-    bool reachedButtons = true;
-    if (media == MediaClass::Slides) {
-        m_state.MainMovieLoaded = false;
-        if (!m_state.SlideshowOn)
-            noteLaunched(m_launcher.openWithDefault(path).started);
-    } else if (isMovie) {
-        m_state.MainMovieLoaded = true;
-        if (QFileInfo::exists(path))
-            showMovie(path, startPosition);
-        else
-            reachedButtons = false; // a vanished movie: the slideshow stops here
-    } else {
-        m_state.MainMovieLoaded = false;
-        showPicture(path);
-    }
+void frmMain::openSlides(const QString &path)
+{
+    if (!m_state.SlideshowOn)
+        noteLaunched(m_launcher.openWithDefault(path).started);
+}
 
-    if (reachedButtons) {
-        for (QToolButton *button : {cmdClip, cmdPrint, cmdSave, cmdAdd})
-            button->setEnabled(true);
-        QCoreApplication::processEvents();
-        updateNavigationButtons();
-    }
+void frmMain::presentMovie(const QString &path, double startPosition) { showMovie(path, startPosition); }
 
-    LabNum->setText(ViewRules::positionText(m_state.CurrentIndex, m_state.fileUpperBound() + 1));
-    LabSiz->setText(QLatin1Char(' ') + fileSize + QLatin1Char(' '));
-    LabFil->setText(m_state.CurrentFileName);
+void frmMain::presentPicture(const QString &path) { showPicture(path); }
+
+void frmMain::enableFileCommands()
+{
+    for (QToolButton *button : {cmdClip, cmdPrint, cmdSave, cmdAdd})
+        button->setEnabled(true);
+}
+
+void frmMain::updateNavigation() { updateNavigationButtons(); }
+
+void frmMain::followInFullScreen(MediaClass media)
+{
+    // A movie already playing full screen stays there.
+    if (!(media == MediaClass::Movie && MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen))
+        mnuFullScreen_Click();
+}
+
+void frmMain::showStatusRow(MediaClass media)
+{
+    LabNum->setText(ViewRules::positionText(m_context.CurrentIndex(), m_context.fileUpperBound() + 1));
+    LabSiz->setText(QLatin1Char(' ') + m_context.FileSizeDisplay() + QLatin1Char(' '));
+    LabFil->setText(m_context.CurrentFileName());
     ImgTyp->setPixmap(DataFolder::themedIcon(m_state.ProgramFolder, typeIconName(media)).pixmap(16, 16));
     showStatusLabels();
     layoutStatusRow();
-    // A full-screen view shows the new file too; a movie already playing
-    // full screen stays there.
-    if (m_state.FullScreenActive && !(isMovie && MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen))
-        mnuFullScreen_Click();
-    prefetchNeighbours();
-    emit fileShown(path);
 }
 
 void frmMain::updateNavigationButtons()
 {
-    if (m_state.fileUpperBound() > 0) {
+    if (m_context.fileUpperBound() > 0) {
         restartSlideTimerIfOn();
-        cmdNext->setEnabled(m_state.CurrentIndex < m_state.fileUpperBound());
-        cmdBack->setEnabled(m_state.CurrentIndex > 0 && !m_state.FileNames.value(m_state.CurrentIndex - 1).isEmpty());
+        cmdNext->setEnabled(m_context.CurrentIndex() < m_context.fileUpperBound());
+        cmdBack->setEnabled(m_context.CurrentIndex() > 0 && !m_context.FileNames().value(m_context.CurrentIndex() - 1).isEmpty());
     }
 }
 
@@ -164,12 +125,18 @@ void frmMain::showPicture(const QString &path)
     // Never more pixels than show: fit mode decodes a large JPEG at a reduced
     // scale, actual size only the part that shows at first.
     const PictureLoader::Picture loaded = loadForDisplay(path, Option1[0]->isChecked());
-    ImgEgg->setPicture(loaded.image, loaded.naturalSize, loaded.part);
-    ImgEgg->setDrawing(m_state.FileTypeCode == u"SVG");
+    setShownPicture(loaded);
+    ImgEgg->setDrawing(m_context.FileTypeCode() == u"SVG");
     fitOrActualSize();
     ImgEgg->setVisible(!loaded.image.isNull());
-    if (FileTypeCatalogue::mayAnimate(m_state.FileTypeCode))
+    if (FileTypeCatalogue::mayAnimate(m_context.FileTypeCode()))
         showAnimation(path);
+}
+
+void frmMain::setShownPicture(const PictureLoader::Picture &loaded)
+{
+    ImgEgg->setPicture(loaded.image, loaded.naturalSize, loaded.part);
+    m_context.setShownPicture({ImgEgg->picture(), ImgEgg->naturalSize(), ImgEgg->holdsPart()});
 }
 
 // Sizes the picture control; once it is placed, fillPictureView() decodes
@@ -190,7 +157,7 @@ void frmMain::showMovie(const QString &path, double startPosition)
     MediaPlayer1->setContextMenuEnabled(true);
     if (startPosition > 0)
         m_savedMoviePosition = startPosition;
-    else if (!m_state.KeepDisplay)
+    else if (!m_keepDisplay)
         m_savedMoviePosition = 0;
     MediaPlayer1->setCurrentPosition(m_savedMoviePosition);
     fitOrActualSizeMovie();
@@ -207,6 +174,8 @@ void frmMain::clearDisplay()
     MediaPlayer1->hide();
     ImgEgg->hide();
     ImgEgg->clear();
+    m_context.setShownPicture({});
+    m_context.setAnimatesShownFile(false);
     WebBrowser1->clear();
     WebBrowser1->hide();
 }

@@ -1,5 +1,6 @@
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "platform/Prompts.h"
 #include "viewer/DroppedFile.h"
@@ -35,14 +36,13 @@ void frmMain::DropFile(const QString &path)
         return;
     }
     const StartupRules::CommandLineFile file = StartupRules::splitCommandLine(path);
-    m_state.TypeFilterCode = QStringLiteral("ALLSUP");
-    m_state.TypeFilterIndex = 0;
-    const bool ready = m_state.BrowserReady;
-    m_state.BrowserReady = false;
+    m_context.setTypeFilter(QStringLiteral("ALLSUP"), 0);
+    const bool ready = m_browserReady;
+    m_browserReady = false;
     CboType->setCurrentIndex(0);
-    m_state.BrowserReady = ready;
+    m_browserReady = ready;
 
-    if (file.folder == m_state.CurrentFolder) {
+    if (file.folder == m_context.CurrentFolder()) {
         if (m_lastTypeText != typeFilterText()) {
             // The list was narrower than "All Supported": read it again.
             m_lastTypeText = typeFilterText();
@@ -50,7 +50,7 @@ void frmMain::DropFile(const QString &path)
             Carica_ListaImages(file.name);
             return;
         }
-        m_state.CurrentFileName = file.name;
+        m_context.setCurrentFileName(file.name);
         Mostra_Image(false, file.name);
         return;
     }

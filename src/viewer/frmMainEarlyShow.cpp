@@ -1,5 +1,6 @@
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "viewer/StartupRules.h"
 #include "viewer/ViewRules.h"
@@ -9,23 +10,23 @@
 
 QString frmMain::showBeforeListingEnds(const QString &name)
 {
-    if (!StartupRules::showsBeforeListingEnds(m_state.CurrentFolder, name, m_state.TypeFilterCode,
+    if (!StartupRules::showsBeforeListingEnds(m_context.CurrentFolder(), name, m_context.TypeFilterCode(),
                                               typeFilterText()))
         return {};
     // A list of the one file meanwhile, so that it is found by name.
-    m_state.FileNames = QStringList{name};
+    m_context.setList({name}, m_context.FolderSummaryText());
     Mostra_Image(false, name);
-    return m_state.CurrentFileName == name ? name : QString();
+    return m_context.CurrentFileName() == name ? name : QString();
 }
 
 bool frmMain::settleShownEarly(const QString &name)
 {
-    const qsizetype index = m_state.FileNames.indexOf(name);
-    if (index < 0 || m_state.CurrentFileName != name)
+    const qsizetype index = m_context.FileNames().indexOf(name);
+    if (index < 0 || m_context.CurrentFileName() != name)
         return false;
-    m_state.CurrentIndex = int(index);
+    m_context.setCurrentIndex(int(index));
     updateNavigationButtons();
-    LabNum->setText(ViewRules::positionText(m_state.CurrentIndex, m_state.fileUpperBound() + 1));
+    LabNum->setText(ViewRules::positionText(m_context.CurrentIndex(), m_context.fileUpperBound() + 1));
     showStatusLabels();
     layoutStatusRow();
     prefetchNeighbours();

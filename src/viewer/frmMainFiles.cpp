@@ -1,5 +1,6 @@
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "display/PictureView.h"
@@ -28,7 +29,7 @@ class MainFavouritesHost : public QObject, public FavouritesHost {
 public:
     explicit MainFavouritesHost(frmMain &main) : QObject(&main), m_main(main) {}
 
-    QString shownFolder() const override { return m_main.m_state.CurrentFolder; }
+    QString shownFolder() const override { return m_main.m_context.CurrentFolder(); }
     QString shownPath() const override { return m_main.shownPathOrNothing(); }
     QRect mainFrame() const override { return m_main.frameGeometry(); }
     void refreshFileList() override { m_main.cmdRefr_Click(); }
@@ -37,8 +38,8 @@ public:
     {
         m_main.clearDisplay();
         m_main.hideStatusLabels();
-        m_main.m_state.MainMovieLoaded = false;
-        m_main.m_state.CurrentFileName = m_main.nameShownAfterRemoving();
+        m_main.m_context.setMainMovieLoaded(false);
+        m_main.m_context.setCurrentFileName(m_main.nameShownAfterRemoving());
     }
     void setAddEnabled(bool on) override { m_main.cmdAdd->setEnabled(on); }
     void setListEnabled(bool on) override { m_main.cmdList->setEnabled(on); }
@@ -86,24 +87,28 @@ void frmMain::Inserisci_Lista(const QString &path) { favourites().Inserisci_List
 
 void frmMain::RemoveFromFavourites(const QString &path) { favourites().RemoveFromFavourites(path); }
 
-void frmMain::releasePlayers(const QString &path) { ReleasePlayerFile(path, m_state, MediaPlayer1); }
+void frmMain::releasePlayers(const QString &path)
+{
+    if (ReleasePlayerFile(path, m_state, m_context, MediaPlayer1))
+        m_keepDisplay = false;
+}
 
 // After the file on show is deleted or moved away, the one that followed
 // it is shown, or the one before when it was the last.
 QString frmMain::nameShownAfterRemoving() const
 {
-    const int index = m_state.CurrentIndex;
-    if (index + 1 <= m_state.fileUpperBound())
-        return m_state.FileNames.value(index + 1);
-    return m_state.FileNames.value(index - 1);
+    const int index = m_context.CurrentIndex();
+    if (index + 1 <= m_context.fileUpperBound())
+        return m_context.FileNames().value(index + 1);
+    return m_context.FileNames().value(index - 1);
 }
 
 void frmMain::cmdAdd_Click()
 {
-    if (m_state.CurrentFileName.isEmpty())
+    if (m_context.CurrentFileName().isEmpty())
         return;
     stopSlideTimer();
-    Inserisci_Lista(m_state.currentPath());
+    Inserisci_Lista(m_context.currentPath());
     cmdList->setEnabled(true);
     restartSlideTimerIfOn();
 }
@@ -124,9 +129,9 @@ void frmMain::cmdList_Click()
 
 void frmMain::mnuRemove_Click()
 {
-    if (m_state.CurrentFileName.isEmpty())
+    if (m_context.CurrentFileName().isEmpty())
         return;
-    const QString path = m_state.currentPath();
+    const QString path = m_context.currentPath();
     RemoveFromFavourites(path);
     if (m_state.MarkIndexThumbnail)
         m_state.MarkIndexThumbnail(path, false);
@@ -135,7 +140,7 @@ void frmMain::mnuRemove_Click()
 // "" when no file is on show, which the file commands take as missing.
 QString frmMain::shownPathOrNothing() const
 {
-    return m_state.CurrentFileName.isEmpty() ? QString() : m_state.currentPath();
+    return m_context.CurrentFileName().isEmpty() ? QString() : m_context.currentPath();
 }
 
 void frmMain::SFRename_Click()
@@ -161,7 +166,7 @@ void frmMain::renameFileAt(const QString &oldPath, const QRect &nameRect)
     }
 
     // A playing movie lets go of its file and comes back where it was.
-    const bool movie = m_state.MainMovieLoaded && MediaPlayer1->FileName() == oldPath;
+    const bool movie = m_context.MainMovieLoaded() && MediaPlayer1->FileName() == oldPath;
     double position = 0;
     if (movie) {
         position = MediaPlayer1->CurrentPosition();
@@ -170,7 +175,7 @@ void frmMain::renameFileAt(const QString &oldPath, const QRect &nameRect)
         MediaPlayer1->hide();
         QCoreApplication::processEvents();
     }
-    const bool wasOnShow = !m_state.CurrentFileName.isEmpty() && oldPath == m_state.currentPath();
+    const bool wasOnShow = !m_context.CurrentFileName().isEmpty() && oldPath == m_context.currentPath();
     const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &path) {
         releasePlayers(path);
     });
@@ -181,13 +186,13 @@ void frmMain::renameFileAt(const QString &oldPath, const QRect &nameRect)
     if (renamed)
         recordChore({ChoreKind::Rename, {{oldPath, newPath, false}}});
 
-    const bool stays = QFileInfo(newPath).absolutePath() == m_state.CurrentFolder;
+    const bool stays = QFileInfo(newPath).absolutePath() == m_context.CurrentFolder();
     if (renamed && stays)
-        m_state.CurrentFileName = QFileInfo(newPath).fileName();
+        m_context.setCurrentFileName(QFileInfo(newPath).fileName());
     else if (renamed && wasOnShow)
-        m_state.CurrentFileName = nameShownAfterRemoving();
+        m_context.setCurrentFileName(nameShownAfterRemoving());
     cmdRefr_Click();
-    if (movie && m_state.MainMovieLoaded && MediaPlayer1->FileName() == m_state.currentPath() && position > 0) {
+    if (movie && m_context.MainMovieLoaded() && MediaPlayer1->FileName() == m_context.currentPath() && position > 0) {
         MediaPlayer1->setCurrentPosition(position);
         MediaPlayer1->Play();
     }
@@ -205,10 +210,10 @@ void frmMain::deleteFileAt(const QString &path)
 {
     stopSlideTimer();
     if (IsExistingFile(path)) {
-        const bool movie = m_state.MainMovieLoaded && MediaPlayer1->FileName() == path;
+        const bool movie = m_context.MainMovieLoaded() && MediaPlayer1->FileName() == path;
         const double position = movie ? MediaPlayer1->CurrentPosition() : 0;
         const bool playing = movie && MediaPlayer1->PlayState() == MoviePlayer::Playing;
-        const bool wasOnShow = !m_state.CurrentFileName.isEmpty() && path == m_state.currentPath();
+        const bool wasOnShow = !m_context.CurrentFileName().isEmpty() && path == m_context.currentPath();
         const FileContext context = contextFor(this, m_prompts, m_state.messages, [this](const QString &held) {
             releasePlayers(held);
         });
@@ -221,14 +226,14 @@ void frmMain::deleteFileAt(const QString &path)
             if (m_state.MarkIndexThumbnail)
                 m_state.MarkIndexThumbnail(path, false);
             if (wasOnShow) {
-                m_state.CurrentFileName = nameShownAfterRemoving();
+                m_context.setCurrentFileName(nameShownAfterRemoving());
                 clearDisplay();
                 hideStatusLabels();
             }
             cmdRefr_Click();
         } else if (movie) {
             cmdRefr_Click();
-            if (m_state.MainMovieLoaded) {
+            if (m_context.MainMovieLoaded()) {
                 MediaPlayer1->setCurrentPosition(position);
                 MediaPlayer1->show();
                 if (playing)
@@ -245,8 +250,8 @@ void frmMain::SFInfo_Click()
     ClearCropSelection();
     unsetCursor();
     const FileContext context{m_prompts, m_state.messages, {}, {}};
-    frmMessage *panel = FileCommands::showInfo(this, m_state, context, m_state.currentPath(), LabPix->text().trimmed(),
-                                               m_state.FileTypeCode);
+    frmMessage *panel = FileCommands::showInfo(this, m_state, context, m_context.currentPath(), LabPix->text().trimmed(),
+                                               m_context.FileTypeCode());
     if (panel) {
         stopSlideTimer();
         connect(panel, &QDialog::finished, this, [this] { restartSlideTimerIfOn(); });
@@ -257,9 +262,9 @@ void frmMain::mnuMove_Click()
 {
     ClearCropSelection();
     stopSlideTimer();
-    const QString path = m_state.currentPath();
-    if (!m_state.CurrentFileName.isEmpty() && moveFileAway(path)) {
-        m_state.CurrentFileName = nameShownAfterRemoving();
+    const QString path = m_context.currentPath();
+    if (!m_context.CurrentFileName().isEmpty() && moveFileAway(path)) {
+        m_context.setCurrentFileName(nameShownAfterRemoving());
         cmdRefr_Click();
     }
     restartSlideTimerIfOn();
@@ -303,12 +308,12 @@ void frmMain::mnuUndo_Click()
             Inserisci_Lista(step.original);
             cmdList->setEnabled(true);
         }
-        if (QFileInfo(step.original).absolutePath() == m_state.CurrentFolder)
+        if (QFileInfo(step.original).absolutePath() == m_context.CurrentFolder())
             shown = QFileInfo(step.original).fileName();
     }
     // The file put back is shown; the list, its count and the index page follow.
     if (!shown.isEmpty())
-        m_state.CurrentFileName = shown;
+        m_context.setCurrentFileName(shown);
     if (!result.putBack.isEmpty())
         cmdRefr_Click();
     restartSlideTimerIfOn();

@@ -2,6 +2,7 @@
 // the shown folder reach the list, its count and the index page.
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "platform/Drives.h"
 #include "viewer/FolderListing.h"
@@ -12,6 +13,7 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QLabel>
+#include <QScopeGuard>
 #include <QToolButton>
 
 namespace {
@@ -20,7 +22,7 @@ constexpr int NamesPerTurn = 2000; // as the listing on opening a folder
 
 void frmMain::watchListedFolder()
 {
-    const QString folder = m_state.CurrentFolder;
+    const QString folder = m_context.CurrentFolder();
     const QList<Drive> drives = m_listDrives();
     // inotify hears only this machine's changes, and a disc never changes.
     const bool reportsChanges = !isNetworkPath(folder, drives) && !Testa_CDRom(folder, drives);
@@ -32,7 +34,7 @@ void frmMain::watchListedFolder()
 // a crop selection, a press, a dialog, the full-screen view, another listing.
 bool frmMain::folderChangeMustWait() const
 {
-    return m_listing || m_showingSteps || m_state.CropSelectionActive || m_state.FullScreenActive
+    return m_context.listingUnderWay() || m_showingSteps || m_cropSelectionActive || m_context.FullScreenActive()
         || QApplication::mouseButtons() != Qt::NoButton || QApplication::activeModalWidget() != nullptr
         || QApplication::activePopupWidget() != nullptr;
 }
@@ -41,52 +43,51 @@ bool frmMain::folderChangeMustWait() const
 // after Delete.
 void frmMain::followFolderChange()
 {
-    if (m_state.CurrentFolder != m_folderWatch->folder())
+    if (m_context.CurrentFolder() != m_folderWatch->folder())
         return;
     if (folderChangeMustWait()) {
         m_folderWatch->reportAgainSoon();
         return;
     }
-    const int generation = ++m_listGeneration;
-    m_listing = true;
+    const int listingNumber = m_context.beginListing();
+    const auto listed = qScopeGuard([this, listingNumber] { m_context.endListing(listingNumber); });
     m_folderWatch->markListed();
-    FolderListing listing(m_state.CurrentFolder, m_state.TypeFilterCode, typeFilterText());
+    FolderListing listing(m_context.CurrentFolder(), m_context.TypeFilterCode(), typeFilterText());
     while (!listing.unreadable() && !listing.step(NamesPerTurn)) {
         QCoreApplication::processEvents();
-        if (generation != m_listGeneration)
+        if (m_context.listingSuperseded(listingNumber))
             return; // a folder or filter chosen meanwhile took over
     }
-    m_listing = false;
+    m_context.endListing(listingNumber);
     if (listing.unreadable())
         return; // gone or locked: F5 tells the user
 
-    const QStringList before = m_state.FileNames;
-    const int shownAt = m_state.CurrentIndex;
-    m_state.FileNames = listing.names().isEmpty() ? QStringList{QString()} : listing.names();
-    const int count = m_state.listIsEmpty() ? 0 : int(m_state.FileNames.size());
-    m_state.FolderSummaryText = FolderSummaryText(count, listing.totalBytes());
+    const QStringList before = m_context.FileNames();
+    const int shownAt = m_context.CurrentIndex();
+    const int count = int(listing.names().size());
+    m_context.setList(listing.names(), FolderSummaryText(count, listing.totalBytes()));
 
-    const QString shown = m_state.CurrentFileName;
-    const qsizetype stillAt = shown.isEmpty() ? -1 : m_state.FileNames.indexOf(shown);
+    const QString shown = m_context.CurrentFileName();
+    const qsizetype stillAt = shown.isEmpty() ? -1 : m_context.FileNames().indexOf(shown);
     if (stillAt >= 0) {
-        m_state.CurrentIndex = int(stillAt);
-        LabNum->setText(ViewRules::positionText(m_state.CurrentIndex, count));
-        cmdNext->setEnabled(m_state.CurrentIndex < m_state.fileUpperBound());
-        cmdBack->setEnabled(m_state.CurrentIndex > 0);
-    } else if (!m_state.listIsEmpty()) {
-        const QString next = shown.isEmpty() ? m_state.FileNames.first()
-                                             : FolderWatchRules::successor(before, shownAt, m_state.FileNames);
+        m_context.setCurrentIndex(int(stillAt));
+        LabNum->setText(ViewRules::positionText(m_context.CurrentIndex(), count));
+        cmdNext->setEnabled(m_context.CurrentIndex() < m_context.fileUpperBound());
+        cmdBack->setEnabled(m_context.CurrentIndex() > 0);
+    } else if (!m_context.listIsEmpty()) {
+        const QString next = shown.isEmpty() ? m_context.FileNames().first()
+                                             : FolderWatchRules::successor(before, shownAt, m_context.FileNames());
         setCommandButtonsEnabled(true);
         Mostra_Image(false, next);
     } else {
         clearDisplay();
         hideStatusLabels();
-        m_state.CurrentFileName.clear();
-        m_state.CurrentIndex = -1;
+        m_context.setCurrentFileName(QString());
+        m_context.setCurrentIndex(-1);
         setCommandButtonsEnabled(false);
         cmdNext->setEnabled(false);
         cmdBack->setEnabled(false);
         setWindowTitle(QStringLiteral(" Vimora"));
     }
-    emit listLoaded();
+    m_context.announceListLoaded();
 }

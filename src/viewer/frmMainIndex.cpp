@@ -1,6 +1,7 @@
 // The main window's side of the thumbnail index.
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "index/frmIndex.h"
 #include "platform/MoviePlayer.h"
@@ -10,7 +11,7 @@
 void frmMain::connectIndex()
 {
     connect(this, &frmMain::indexWindowCreated, this, &frmMain::wireIndexCommands);
-    connect(this, &frmMain::listLoaded, this, [this] {
+    connect(&m_context, &ViewerContext::listLoaded, this, [this] {
         if (m_index)
             m_index->followMainList();
     });
@@ -23,29 +24,36 @@ void frmMain::connectIndex()
 
 void frmMain::cmdIndex_Click()
 {
-    m_state.StopPreviewLoad = false;
     if (!m_index) {
-        m_index = new frmIndex(m_state, m_prompts, m_launcher, *this);
+        m_index = new frmIndex(m_state, m_context, m_prompts, m_launcher, m_twips, this);
         m_index->Form_Load();
         emit indexWindowCreated(m_index);
     }
-    if (m_state.IndexLoading) {
+    if (indexPageLoading()) {
         // The page in progress is abandoned; the re-read builds it again.
-        m_state.IndexShown = true;
+        m_index->setOpen(true);
         m_index->show();
         cmdRefr_Click();
         return;
     }
-    const bool open = m_state.IndexShown && m_index->isVisible();
+    const bool open = m_index->isOpen() && m_index->isVisible();
     m_index->show();
     if (open) {
         m_index->raise();
         m_index->activateWindow();
         return;
     }
-    m_state.IndexShown = true;
+    m_index->setOpen(true);
     m_index->followMainList();
 }
+
+void frmMain::stopIndexPage()
+{
+    if (m_index)
+        m_index->stopPageBuild();
+}
+
+bool frmMain::indexPageLoading() const { return m_index && m_index->pageLoading(); }
 
 void frmMain::refreshForIndex()
 {

@@ -3,6 +3,7 @@
 // made.
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "files/FileCommands.h"
@@ -71,7 +72,11 @@ void frmMain::wireIndexCommands(frmIndex *index)
         cmdList->setEnabled(true);
         restartSlideTimerIfOn();
     };
-    index->onRemoveFromFavourites = [this](const QString &path) { RemoveFromFavourites(path); };
+    index->onRemoveFromFavourites = [this](const QString &path) {
+        RemoveFromFavourites(path);
+        if (path == m_context.currentPath())
+            cmdAdd->setEnabled(true);
+    };
     index->onGlobal = [this] { cmdList_Click(); };
     index->onRename = [this, index](const QString &path) { renameFileAt(path, nameRectOf(*index, path)); };
     index->onDelete = [this](const QString &path) { deleteFileAt(path); };
@@ -133,5 +138,19 @@ void frmMain::wireIndexCommands(frmIndex *index)
             m_volumeControl = std::make_shared<VolumeControl>(m_launcher, m_prompts, m_state.messages);
         m_volumeControl->OpenVolumeControl();
     };
+
+    // This window's side.
+    index->playsInMain = [this](const QString &path) {
+        return m_context.MainMovieLoaded() && MediaPlayer1->FileName() == path
+            && MediaPlayer1->PlayState() == MoviePlayer::Playing;
+    };
+    index->onShownInMain = [this] {
+        activateWindow();
+        setFocus();
+    };
+    index->onLaunched = [this](bool started) { noteLaunched(started); };
+    index->onLanguage = [this] { switchLanguage(); };
+    index->onRefreshList = [this] { refreshForIndex(); };
+    index->onDrop = [this](const QString &path) { DropFile(path); };
     index->updateCommandStates();
 }

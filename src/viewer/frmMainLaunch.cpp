@@ -5,6 +5,7 @@
 
 #include "commands/CommandSet.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "files/HelpWindow.h"
 #include "files/ShellLaunch.h"
@@ -35,14 +36,14 @@ void frmMain::connectLaunchHandlers()
 
 void frmMain::mnuShellOpen_Click()
 {
-    if (!m_state.CurrentFileName.isEmpty())
-        ShellLaunch::shellOpen(m_state.currentPath(), m_launcher);
+    if (!m_context.CurrentFileName().isEmpty())
+        ShellLaunch::shellOpen(m_context.currentPath(), m_launcher);
 }
 
 void frmMain::mnuShellEdit_Click()
 {
-    if (!m_state.CurrentFileName.isEmpty())
-        ShellLaunch::shellEdit(m_state.currentPath(), m_launcher);
+    if (!m_context.CurrentFileName().isEmpty())
+        ShellLaunch::shellEdit(m_context.currentPath(), m_launcher);
 }
 
 void frmMain::mnuDirOpen_Click()
@@ -75,7 +76,7 @@ void frmMain::cmdHelp_Click()
 
 void frmMain::cmdAbout_Click()
 {
-    if (m_state.CropSelectionActive)
+    if (m_cropSelectionActive)
         ClearCropSelection();
     stopSlideTimer();
     TechCre about(m_state.messages, m_launcher, m_prompts, this);
@@ -85,7 +86,7 @@ void frmMain::cmdAbout_Click()
 
 void frmMain::cmdLink_Click()
 {
-    if (m_state.CropSelectionActive)
+    if (m_cropSelectionActive)
         ClearCropSelection();
     TechLink link(m_state, FileAssociations::Places::standard(), [this] { cmdHelp_Click(); }, this);
     m_linkDialog = &link;

@@ -1,5 +1,6 @@
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "display/AnimationView.h"
 #include "display/PictureView.h"
@@ -87,7 +88,7 @@ void frmMain::changeEvent(QEvent *event)
     if (isMinimized()) {
         if (index && index->isVisible()) {
             index->hide();
-            m_state.IndexHiddenWithMain = true;
+            index->setHiddenWithMain(true);
         }
         if (m_favourites && m_favourites->isVisible()) {
             m_favourites->hide();
@@ -97,9 +98,9 @@ void frmMain::changeEvent(QEvent *event)
             m_linkDialog->showMinimized();
         return;
     }
-    if (m_state.IndexHiddenWithMain) {
-        m_state.IndexHiddenWithMain = false;
-        if (index && m_state.IndexShown && !m_state.FullScreenActive)
+    if (index && index->hiddenWithMain()) {
+        index->setHiddenWithMain(false);
+        if (index->isOpen() && !m_context.FullScreenActive())
             index->show();
     }
     if (m_favouritesHiddenWithMain) {
@@ -135,7 +136,7 @@ void frmMain::Form_Resize()
     const double areaHeight = windowHeight - DisplayTop - BottomReserve;
     WebBrowser1->setGeometry(m_twips.toPixels(0, DisplayTop, areaWidth, areaHeight));
     m_zoomPercent = 0; // a resize ends an explicit zoom
-    if (m_state.MainMovieLoaded && isVisible())
+    if (m_context.MainMovieLoaded() && isVisible())
         fitOrActualSizeMovie();
     if (!ImgEgg->isEmpty() && Option1[0]->isChecked()) {
         const QSizeF picture = pictureTwipsOf(ImgEgg->naturalSize());

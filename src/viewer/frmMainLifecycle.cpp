@@ -1,5 +1,6 @@
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
 #include "core/FormTexts.h"
@@ -52,12 +53,12 @@ void frmMain::Form_Load(const QString &commandLine)
         settings.deleteKey(UserDef, QStringLiteral("Path"));
         settings.flush(); // on disk now, so that a crash leaves no folder to return to
         const QList<Drive> drives = m_listDrives();
-        m_state.CurrentFolder = StartupRules::startFolder(stored, m_state.ProgramFolder,
-                                                          Testa_CDRom(stored, drives), isNetworkPath(stored, drives));
+        m_context.setFolder(StartupRules::startFolder(stored, m_state.ProgramFolder,
+                                                          Testa_CDRom(stored, drives), isNetworkPath(stored, drives)));
     } else {
         const StartupRules::CommandLineFile file = StartupRules::splitCommandLine(commandLine);
-        m_state.CurrentFileName = file.name;
-        m_state.CurrentFolder = file.folder;
+        m_context.setCurrentFileName(file.name);
+        m_context.setFolder(file.folder);
     }
 
     ChkCicle->setChecked(false);
@@ -67,72 +68,68 @@ void frmMain::Form_Load(const QString &commandLine)
     m_state.ShowTooltips = settings.readBool(UserDef, QStringLiteral("SWTIPS"), true);
     FormTexts::ApplyTooltips(this, messages, m_state.ShowTooltips);
 
-    if (m_state.CurrentFolder.compare(programFolder, Qt::CaseInsensitive) != 0
-        && !QDir::setCurrent(m_state.CurrentFolder))
-        m_state.CurrentFolder = programFolder;
+    if (m_context.CurrentFolder().compare(programFolder, Qt::CaseInsensitive) != 0
+        && !QDir::setCurrent(m_context.CurrentFolder()))
+        m_context.setFolder(programFolder);
 
     Carica_URL();
-    setPathBoxText(m_state.CurrentFolder);
+    setPathBoxText(m_context.CurrentFolder());
     cmdAbout->setText(messages.GetMsg(311, QStringLiteral("A&bout")));
     cmdAbout->setAccessibleName(cmdAbout->text().remove(QLatin1Char('&')));
 
-    m_state.SaveFolder = settings.read(UserDef, QStringLiteral("savDir"), m_state.CurrentFolder);
+    m_state.SaveFolder = settings.read(UserDef, QStringLiteral("savDir"), m_context.CurrentFolder());
     m_state.AnimateGifs = settings.readBool(UserDef, QStringLiteral("swAnim"), true);
     chkAnim->setChecked(m_state.AnimateGifs);
 
     Option1[1]->setChecked(true);
-    m_state.IndexShown = true;
 
     fillDrives();
-    m_state.BrowserReady = false;
-    setDir1Path(m_state.CurrentFolder);
+    m_browserReady = false;
+    setDir1Path(m_context.CurrentFolder());
     QCoreApplication::processEvents();
     layoutStatusRow();
 
     show();
 
-    m_state.TypeFilterCode = QStringLiteral("ALLSUP");
-    m_state.TypeFilterIndex = 0;
+    m_context.setTypeFilter(QStringLiteral("ALLSUP"), 0);
 
     if (withFile) {
         ChkAuto->setChecked(true);
         m_state.AutoPlayMovies = true;
-        m_state.BrowserReady = false;
+        m_browserReady = false;
         CboType->setCurrentIndex(0);
-        m_state.BrowserReady = true;
-        const QString target = m_state.CurrentFolder;
-        m_state.CurrentFolder.clear(); // so that the folder counts as changed
+        m_browserReady = true;
+        const QString target = m_context.CurrentFolder();
+        m_context.setFolder(QString()); // so that the folder counts as changed
         if (dir1Path() == target)
             Dir1_Change();
         else
             setDir1Path(target);
     } else {
-        m_state.BrowserReady = false;
-        setDir1Path(m_state.CurrentFolder);
-        m_state.BrowserReady = true;
-        CboType->setCurrentIndex(m_state.TypeFilterIndex);
+        m_browserReady = false;
+        setDir1Path(m_context.CurrentFolder());
+        m_browserReady = true;
+        CboType->setCurrentIndex(m_context.TypeFilterIndex());
         CboType_Click();
     }
 
     QCoreApplication::processEvents();
-    if (m_state.listIsEmpty()) {
+    if (m_context.listIsEmpty()) {
         cmdAdd->setEnabled(false);
-        if (m_state.TypeFilterCode != u"*")
+        if (m_context.TypeFilterCode() != u"*")
             CboType->setCurrentIndex(0);
     } else {
         cmdAdd->setEnabled(true);
     }
 
-    if (!m_state.IndexHiddenWithMain && !m_state.FullScreenActive)
-        m_state.IndexShown = false; // the index window comes with its own issue of work
     setWaitCursor(false);
 
-    m_state.BrowserReady = false;
+    m_browserReady = false;
     if (ChkCicle->isChecked())
         m_state.SlideshowOn = true;
     HScroll1->setValue(m_state.SlideSeconds);
     txtTime->setText(QString::number(m_state.SlideSeconds));
-    m_state.BrowserReady = true;
+    m_browserReady = true;
 
     m_state.LinkedTypes = AssociationGroups::readLinked(settings);
     cmdLink->setEnabled(true);
@@ -148,10 +145,10 @@ void frmMain::fillTypeFilterList()
     labels.images = messages.GetMsg(386, labels.images);
     labels.movies = messages.GetMsg(387, labels.movies);
     labels.allFiles = messages.GetMsg(382, labels.allFiles);
-    const bool ready = m_state.BrowserReady;
+    const bool ready = m_browserReady;
     const int selected = qMax(0, CboType->currentIndex());
     const bool lastWasSelected = m_lastTypeText == typeFilterText();
-    m_state.BrowserReady = false;
+    m_browserReady = false;
     CboType->clear();
     // The box shows and a screen reader reads the label; the code and
     // patterns after it are the filter's own.
@@ -160,7 +157,7 @@ void frmMain::fillTypeFilterList()
     CboType->setCurrentIndex(selected);
     if (lastWasSelected && !m_lastTypeText.isEmpty())
         m_lastTypeText = typeFilterText(); // same filter, other language: no reload
-    m_state.BrowserReady = ready;
+    m_browserReady = ready;
     m_state.OpenFileFilter = FileTypeCatalogue::openFileFilter(labels);
 }
 
@@ -169,9 +166,9 @@ void frmMain::Form_Unload()
     if (m_unloaded)
         return;
     m_unloaded = true;
-    m_state.StopPreviewLoad = true;
-    ++m_listGeneration;
-    m_state.FileNames = QStringList{QString()};
+    stopIndexPage();
+    m_context.cancelListing();
+    m_context.clearList();
     QCoreApplication::processEvents();
     unloadIndex();
 
@@ -191,8 +188,8 @@ void frmMain::SaveUserSettings()
     QCoreApplication::processEvents();
 
     settings.write(UserDef, QStringLiteral("xTime"), QString::number(m_state.SlideSeconds));
-    settings.write(UserDef, QStringLiteral("Path"), m_state.CurrentFolder);
-    settings.write(UserDef, QStringLiteral("iTyp"), QString::number(m_state.TypeFilterIndex));
+    settings.write(UserDef, QStringLiteral("Path"), m_context.CurrentFolder());
+    settings.write(UserDef, QStringLiteral("iTyp"), QString::number(m_context.TypeFilterIndex()));
     settings.write(UserDef, QStringLiteral("cicle"), SettingsText::fromCheckState(ChkCicle->isChecked()));
     settings.write(UserDef, QStringLiteral("savDir"), m_state.SaveFolder);
     settings.write(UserDef, QStringLiteral("frmMainLeft"), QString::number(qRound(m_twips.fromPixelsX(x()))));

@@ -1,5 +1,6 @@
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"
 #include "core/MessageCatalogue.h"
@@ -30,7 +31,7 @@ void frmMain::connectMovieHandlers()
     connect(MediaPlayer1, &MoviePlayer::keyPressed, this, &frmMain::MediaPlayer1_KeyPress);
     connect(MediaPlayer1, &MoviePlayer::displaySizeChanged, this, &frmMain::MediaPlayer1_DisplaySizeChange);
     connect(MediaPlayer1, &MoviePlayer::videoSizeKnown, this, [this] {
-        if (m_state.MainMovieLoaded && m_zoomPercent == 0)
+        if (m_context.MainMovieLoaded() && m_zoomPercent == 0)
             fitOrActualSizeMovie();
     });
 }
@@ -60,7 +61,7 @@ void frmMain::setMainWindowsVisible(bool visible)
         raise();
         activateWindow();
     }
-    if (m_state.IndexShown && indexWindow())
+    if (indexWindow() && indexWindow()->isOpen())
         indexWindow()->setVisible(visible);
 }
 
@@ -72,36 +73,46 @@ void frmMain::connectFullViewCommands(frmFull &view)
     view.onShellOpen = [this] { mnuShellOpen_Click(); };
     view.onShellEdit = [this] { mnuShellEdit_Click(); };
     view.onPrint = [this, &view] {
-        if (!m_state.CurrentFileName.isEmpty())
+        if (!m_context.CurrentFileName().isEmpty())
             printFromDialog([this] { return currentPicture(); }, &view);
     };
     view.onSave = [this, &view] {
-        if (!m_state.CurrentFileName.isEmpty())
-            saveCopyOf(m_state.currentPath(),
+        if (!m_context.CurrentFileName().isEmpty())
+            saveCopyOf(m_context.currentPath(),
                        m_state.messages.GetMsg(383, QStringLiteral("Select destination path for file copy")), &view);
     };
     view.onSetWallpaper = [this] { mnuWall_Click(); };
     view.onRemoveWallpaper = [this] { mnuRemoveWall_Click(); };
 }
 
+int frmMain::moviePlayState() const { return MediaPlayer1->PlayState(); }
+
+bool frmMain::shellOpenOffered() const { return mnuShellOpen->isEnabled(); }
+
+void frmMain::fullViewClosed()
+{
+    setMainWindowsVisible(true);
+    cmdTrucco->setFocus();
+}
+
 void frmMain::mnuFullScreen_Click()
 {
-    if (m_state.CropSelectionActive)
+    if (m_cropSelectionActive)
         ClearCropSelection();
-    if (m_state.CurrentFileName.isEmpty())
+    if (m_context.CurrentFileName().isEmpty())
         return;
-    if (!m_state.MainMovieLoaded) {
+    if (!m_context.MainMovieLoaded()) {
         if (MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen) {
             // Paged from a full-screen movie: the player goes back quietly,
             // the picture takes over the screen.
             const QSignalBlocker quiet(MediaPlayer1);
             MediaPlayer1->setDisplaySize(m_savedDisplaySize);
         }
-        if (m_state.FullScreenActive)
+        if (m_context.FullScreenActive())
             setMainWindowsVisible(false);
-        m_state.FullScreenActive = true;
-        if (!m_fullView || !m_state.FullViewLoaded) { // a closed one is only waiting to be deleted
-            m_fullView = new frmFull(m_state, *this);
+        m_context.setFullScreenActive(true);
+        if (!m_fullView || !m_fullView->isLoaded()) {
+            m_fullView = new frmFull(m_state, m_context, *this, this);
             connectFullViewCommands(*m_fullView);
             if (onFullViewLoaded)
                 onFullViewLoaded(*m_fullView);
@@ -114,12 +125,12 @@ void frmMain::mnuFullScreen_Click()
         return;
     }
 
-    m_state.FullScreenActive = true;
+    m_context.setFullScreenActive(true);
     m_savedMoviePosition = MediaPlayer1->CurrentPosition();
     // The player keeps its file, state and position across display sizes; a
     // file that failed to open gets another try.
     if (!MediaPlayer1->hasEngine())
-        MediaPlayer1->setFileName(m_state.currentPath());
+        MediaPlayer1->setFileName(m_context.currentPath());
     if (MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen) {
         setMainWindowsVisible(true);
         QCoreApplication::processEvents();
@@ -141,7 +152,7 @@ void frmMain::MediaPlayer1_DisplaySizeChange(int displaySize)
 {
     if (displaySize == MoviePlayer::FullScreen)
         return;
-    m_state.FullScreenActive = false;
+    m_context.setFullScreenActive(false);
     if (m_state.ProgramClosing)
         return;
     if (!isVisible())
@@ -154,24 +165,24 @@ void frmMain::MediaPlayer1_DisplaySizeChange(int displaySize)
 
 void frmMain::ImgEgg_DblClick()
 {
-    if (!m_state.MainMovieLoaded && !m_state.IndexLoading)
+    if (!m_context.MainMovieLoaded() && !indexPageLoading())
         mnuFullScreen_Click();
 }
 
 void frmMain::MediaPlayer1_MouseDown(QMouseEvent *event)
 {
-    if (m_state.CurrentFileName.isEmpty() || MediaPlayer1->FileName().isEmpty())
+    if (m_context.CurrentFileName().isEmpty() || MediaPlayer1->FileName().isEmpty())
         return;
     const QPointF at(m_twips.fromPixelsX(event->position().x()), m_twips.fromPixelsY(event->position().y()));
     if (event->type() == QEvent::MouseButtonDblClick) {
         // Full screen goes through the window's command, which hides and
         // shows the windows with it.
         event->accept();
-        if (event->button() == Qt::LeftButton && !m_state.CropSelectionActive)
+        if (event->button() == Qt::LeftButton && !m_cropSelectionActive)
             mnuFullScreen_Click();
         return;
     }
-    if (event->button() == Qt::LeftButton && m_state.CropSelectionActive) {
+    if (event->button() == Qt::LeftButton && m_cropSelectionActive) {
         event->accept();
         if (MediaPlayer1->PlayState() == MoviePlayer::Playing)
             MediaPlayer1->Stop();
@@ -184,9 +195,9 @@ void frmMain::MediaPlayer1_MouseDown(QMouseEvent *event)
         return;
     event->accept(); // the window's menu replaces the player's own, always
     TimerImage->stop();
-    if (m_state.IndexLoading)
+    if (indexPageLoading())
         return;
-    if (m_state.CropSelectionActive) {
+    if (m_cropSelectionActive) {
         SFCrop->popup(event->globalPosition().toPoint());
         return;
     }
@@ -197,20 +208,20 @@ void frmMain::MediaPlayer1_MouseDown(QMouseEvent *event)
 void frmMain::showMoviePopup(QPoint globalPosition)
 {
     unsetCursor();
-    m_state.FullScreenActive = MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen;
+    m_context.setFullScreenActive(MediaPlayer1->DisplaySize() == MoviePlayer::FullScreen);
     SFPOPUP->popup(globalPosition); // offered anew as it comes up
 }
 
 void frmMain::MediaPlayer1_MouseMove(QMouseEvent *event)
 {
-    if (m_state.CropSelectionActive && m_selectionDragging)
+    if (m_cropSelectionActive && m_selectionDragging)
         moveSelectionCorner(MediaPlayer1, {m_twips.fromPixelsX(event->position().x()),
                                            m_twips.fromPixelsY(event->position().y())});
 }
 
 void frmMain::MediaPlayer1_MouseUp(QMouseEvent *event)
 {
-    if (event->button() == Qt::LeftButton && m_state.CropSelectionActive)
+    if (event->button() == Qt::LeftButton && m_cropSelectionActive)
         Clip_Punto_Fine(MediaPlayer1, {m_twips.fromPixelsX(event->position().x()),
                                        m_twips.fromPixelsY(event->position().y())});
 }
@@ -229,10 +240,11 @@ void frmMain::mnuAnim_Click() { chkAnim->click(); }
 
 void frmMain::chkAnim_Click()
 {
-    if (m_state.CropSelectionActive)
+    if (m_cropSelectionActive)
         ClearCropSelection();
     if (!chkAnim->isChecked()) {
         m_state.AnimateGifs = false;
+        m_context.setAnimatesShownFile(false);
         WebBrowser1->hide();
         if (!ImgEgg->isEmpty())
             ImgEgg->show();
@@ -241,16 +253,17 @@ void frmMain::chkAnim_Click()
         return;
     }
     m_state.AnimateGifs = true;
-    if (FileTypeCatalogue::mayAnimate(m_state.FileTypeCode)) {
-        if (WebBrowser1->location() != m_state.currentPath())
-            WebBrowser1->Navigate(m_state.currentPath());
-        if (m_state.FileTypeCode == u"GIF" || WebBrowser1->frameCount() > 1) {
+    if (FileTypeCatalogue::mayAnimate(m_context.FileTypeCode())) {
+        if (WebBrowser1->location() != m_context.currentPath())
+            WebBrowser1->Navigate(m_context.currentPath());
+        if (m_context.FileTypeCode() == u"GIF" || WebBrowser1->frameCount() > 1) {
             ImgEgg->hide();
             WebBrowser1->show();
             WebBrowser1->raise();
         }
     }
-    if (!m_state.FullScreenActive) {
+    m_context.setAnimatesShownFile(animatesShownFile());
+    if (!m_context.FullScreenActive()) {
         show();
         raise();
     } else if (m_fullView) {
@@ -260,8 +273,8 @@ void frmMain::chkAnim_Click()
 
 bool frmMain::animatesShownFile() const
 {
-    return m_state.AnimateGifs && FileTypeCatalogue::mayAnimate(m_state.FileTypeCode) && !WebBrowser1->isEmpty()
-        && (m_state.FileTypeCode == u"GIF" || WebBrowser1->frameCount() > 1);
+    return m_state.AnimateGifs && FileTypeCatalogue::mayAnimate(m_context.FileTypeCode()) && !WebBrowser1->isEmpty()
+        && (m_context.FileTypeCode() == u"GIF" || WebBrowser1->frameCount() > 1);
 }
 
 // A GIF or WebP goes to the animation view as well; which of the two is
@@ -269,8 +282,10 @@ bool frmMain::animatesShownFile() const
 void frmMain::showAnimation(const QString &path)
 {
     WebBrowser1->Navigate(path);
+    m_context.setAnimatesShownFile(animatesShownFile());
     m_state.AnimateGifs = chkAnim->isChecked();
-    if (m_state.FullScreenActive)
+    m_context.setAnimatesShownFile(animatesShownFile());
+    if (m_context.FullScreenActive())
         return;
     const bool animate = animatesShownFile();
     WebBrowser1->setVisible(animate);

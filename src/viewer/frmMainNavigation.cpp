@@ -2,12 +2,12 @@
 
 #include "commands/CommandSet.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "platform/LanguageChoice.h"
 #include "platform/Launcher.h"
 #include "platform/MoviePlayer.h"
 #include "viewer/MainKeyTable.h"
-#include "viewer/StepRules.h"
 
 #include <QAbstractSpinBox>
 #include <QApplication>
@@ -25,17 +25,17 @@
 
 void frmMain::cmdNext_Click()
 {
-    if (!m_state.BrowserReady)
+    if (!m_browserReady)
         return;
-    m_state.FullScreenActive = false;
+    m_context.setFullScreenActive(false);
     Mostra_Image(false, QString());
 }
 
 void frmMain::cmdBack_Click()
 {
-    if (!m_state.BrowserReady)
+    if (!m_browserReady)
         return;
-    m_state.FullScreenActive = false;
+    m_context.setFullScreenActive(false);
     Mostra_Image(true, QString());
 }
 
@@ -53,7 +53,7 @@ void frmMain::ChkAuto_Click()
 {
     ClearCropSelection();
     m_state.AutoPlayMovies = ChkAuto->isChecked();
-    if (!m_state.MainMovieLoaded || MediaPlayer1->FileName().isEmpty())
+    if (!m_context.MainMovieLoaded() || MediaPlayer1->FileName().isEmpty())
         return;
     const bool playing = MediaPlayer1->PlayState() == MoviePlayer::Playing;
     if (m_state.AutoPlayMovies && !playing)
@@ -65,7 +65,7 @@ void frmMain::ChkAuto_Click()
 void frmMain::HScroll1_Change()
 {
     ClearCropSelection();
-    if (!m_state.BrowserReady)
+    if (!m_browserReady)
         return;
     m_state.SlideSeconds = HScroll1->value();
     txtTime->setText(QString::number(m_state.SlideSeconds));
@@ -76,7 +76,7 @@ void frmMain::TimerImage_Timer()
 {
     if (m_launchPause.holdsSlideshow())
         return;
-    if (m_state.listIsEmpty())
+    if (m_context.listIsEmpty())
         return;
     Mostra_Image(false, QString());
     QCoreApplication::processEvents();
@@ -101,7 +101,7 @@ void frmMain::stepThroughList(bool backward)
 
 void frmMain::showPendingSteps()
 {
-    if (listingUnderWay()) {
+    if (m_context.listingUnderWay()) {
         QTimer::singleShot(10, this, &frmMain::showPendingSteps);
         return;
     }
@@ -110,10 +110,10 @@ void frmMain::showPendingSteps()
     m_stepsQueued = false;
     m_showingSteps = true;
     while (m_pendingSteps != 0) {
-        const int steps = std::exchange(m_pendingSteps, 0);
-        m_state.CurrentIndex =
-            StepRules::startOfOneStep(m_state.CurrentIndex, steps, m_state.fileUpperBound(), m_state.SlideshowOn);
-        Mostra_Image(steps < 0, QString());
+        ViewerContext::ShowRequest request;
+        request.steps = std::exchange(m_pendingSteps, 0);
+        request.wraps = m_state.SlideshowOn;
+        m_context.show(request);
         QCoreApplication::processEvents(); // the presses made while it showed
     }
     m_showingSteps = false;
@@ -126,10 +126,10 @@ void frmMain::keyPressEvent(QKeyEvent *event)
     if (key != Qt::Key_Escape && typeFilterText().isEmpty()) {
         // The user erased the filter: Enter restores "All Supported".
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            m_state.BrowserReady = true;
+            m_browserReady = true;
             CboType->setCurrentIndex(0);
         } else {
-            m_state.BrowserReady = false;
+            m_browserReady = false;
         }
         return;
     }

@@ -1,5 +1,6 @@
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "display/PictureView.h"
@@ -48,12 +49,12 @@ void frmMain::connectOutputHandlers()
 {
     // Only a movie has a frame to grab.
     cmdGrab->setEnabled(false);
-    connect(this, &frmMain::fileShown, this, [this] { cmdGrab->setEnabled(m_state.MainMovieLoaded); });
+    connect(&m_context, &ViewerContext::fileShown, this, [this] { cmdGrab->setEnabled(m_context.MainMovieLoaded()); });
 }
 
 QString frmMain::outputFolder() const
 {
-    return m_state.OutputFolder.isEmpty() ? m_state.CurrentFolder : m_state.OutputFolder;
+    return m_state.OutputFolder.isEmpty() ? m_context.CurrentFolder() : m_state.OutputFolder;
 }
 
 QPrinter &frmMain::currentPrinter()
@@ -75,7 +76,7 @@ void frmMain::endOutputCommand(bool grabToo)
     cmdClip->setEnabled(true);
     cmdPrint->setEnabled(true);
     if (grabToo)
-        cmdGrab->setEnabled(m_state.MainMovieLoaded);
+        cmdGrab->setEnabled(m_context.MainMovieLoaded());
     restartSlideTimerIfOn();
     cmdNext->setFocus();
 }
@@ -84,15 +85,15 @@ void frmMain::endOutputCommand(bool grabToo)
 // playing), and the new file gets its place in it.
 void frmMain::reloadAfterWrite(const QString &path)
 {
-    m_state.KeepDisplay = true;
-    Carica_ListaImages(m_state.CurrentFileName);
-    m_state.KeepDisplay = false;
-    m_state.CurrentIndex = int(m_state.FileNames.indexOf(m_state.CurrentFileName));
+    m_keepDisplay = true;
+    Carica_ListaImages(m_context.CurrentFileName());
+    m_keepDisplay = false;
+    m_context.setCurrentIndex(int(m_context.FileNames().indexOf(m_context.CurrentFileName())));
     for (QToolButton *button : {cmdClip, cmdPrint, cmdSave, cmdAdd})
         button->setEnabled(true);
-    cmdNext->setEnabled(m_state.CurrentIndex < m_state.fileUpperBound());
-    cmdBack->setEnabled(m_state.CurrentIndex > 0);
-    LabNum->setText(ViewRules::positionText(m_state.CurrentIndex, m_state.fileUpperBound() + 1));
+    cmdNext->setEnabled(m_context.CurrentIndex() < m_context.fileUpperBound());
+    cmdBack->setEnabled(m_context.CurrentIndex() > 0);
+    LabNum->setText(ViewRules::positionText(m_context.CurrentIndex(), m_context.fileUpperBound() + 1));
     showStatusLabels();
     layoutStatusRow();
     emit outputWrittenIntoFolder(path);
@@ -102,9 +103,9 @@ void frmMain::reloadAfterWrite(const QString &path)
 
 void frmMain::cmdSave_Click()
 {
-    if (m_state.CurrentFileName.isEmpty())
+    if (m_context.CurrentFileName().isEmpty())
         return;
-    saveCopyOf(m_state.currentPath(), m_state.messages.GetMsg(10109, QStringLiteral("Make a Copy of current file")),
+    saveCopyOf(m_context.currentPath(), m_state.messages.GetMsg(10109, QStringLiteral("Make a Copy of current file")),
                this);
 }
 
@@ -122,7 +123,7 @@ void frmMain::saveCopyOf(const QString &source, const QString &title, QWidget *a
     dialog.Filter = m_state.OpenFileFilter;
     dialog.FilterIndex = 1;
     dialog.setDialogTitle(title + QLatin1Char(' '));
-    dialog.FileName = OutputRules::copyProposedName(m_state.SaveFolder, m_state.CurrentFolder, FileNameOfPath(source),
+    dialog.FileName = OutputRules::copyProposedName(m_state.SaveFolder, m_context.CurrentFolder(), FileNameOfPath(source),
                                                     m_state.messages.GetMsg(10121, QStringLiteral("Copy of")));
     if (!dialog.ShowOpen(m_prompts)) {
         reportDialogError(dialog);
@@ -138,7 +139,7 @@ void frmMain::saveCopyOf(const QString &source, const QString &title, QWidget *a
                                m_state.messages.GetMsg(104, QStringLiteral("&Cancel")));
         if (CopyThisFile(source, destination, context).done()) {
             m_state.SaveFolder = QFileInfo(destination).path();
-            if (OutputRules::sameFolder(m_state.SaveFolder, m_state.CurrentFolder))
+            if (OutputRules::sameFolder(m_state.SaveFolder, m_context.CurrentFolder()))
                 reloadAfterWrite(destination);
         }
         setWaitCursor(false);
@@ -148,12 +149,12 @@ void frmMain::saveCopyOf(const QString &source, const QString &title, QWidget *a
 
 void frmMain::mnuCropSave_Click()
 {
-    if (!m_state.CropSelectionActive)
+    if (!m_cropSelectionActive)
         return;
     stopSlideTimer();
     // Numbered in the output folder although the dialog opens in the save
     // folder: the two differ once an area went elsewhere than the last copy.
-    const QString proposed = OutputRules::nextNumberedName(outputFolder(), m_state.CurrentFileName, Numbered::Area);
+    const QString proposed = OutputRules::nextNumberedName(outputFolder(), m_context.CurrentFileName(), Numbered::Area);
     clsCommonDialog dialog;
     dialog.setParent(this);
     dialog.CancelError = true;
@@ -170,11 +171,11 @@ void frmMain::mnuCropSave_Click()
         return;
     }
     const QString destination = dialog.FileName;
-    if (QFileInfo(destination) != QFileInfo(m_state.currentPath())) {
+    if (QFileInfo(destination) != QFileInfo(m_context.currentPath())) {
         setWaitCursor(true);
         Copia_Area(destination, cropTarget());
         m_state.OutputFolder = QFileInfo(destination).path();
-        if (OutputRules::sameFolder(m_state.OutputFolder, m_state.CurrentFolder))
+        if (OutputRules::sameFolder(m_state.OutputFolder, m_context.CurrentFolder()))
             reloadAfterWrite(destination);
         setWaitCursor(false);
     }
@@ -193,7 +194,7 @@ QImage frmMain::areaPicture(QWidget *target)
     LabMis->hide();
     QCoreApplication::processEvents();
     const QImage picture = area.isEmpty() ? QImage() : grab(area).toImage();
-    if (m_state.CropSelectionActive) {
+    if (m_cropSelectionActive) {
         for (QFrame *line : SelLines)
             line->show();
         LabMis->setVisible(labelShown);
@@ -260,21 +261,21 @@ void frmMain::releaseMovieFrame(const MovieFrameHold &hold)
 
 void frmMain::cmdClip_Click()
 {
-    if (m_state.CurrentFileName.isEmpty())
+    if (m_context.CurrentFileName().isEmpty())
         return;
     for (QToolButton *button : {cmdClip, cmdGrab, cmdPrint})
         button->setEnabled(false);
     stopSlideTimer();
     QImage picture;
-    if (m_state.MainMovieLoaded) {
+    if (m_context.MainMovieLoaded()) {
         const MovieFrameHold hold = holdMovieFrame();
         picture = heldMovieFrame();
         releaseMovieFrame(hold);
-    } else if (m_state.FileTypeCode == u"ICO" || m_state.FileTypeCode == u"CUR") {
+    } else if (m_context.FileTypeCode() == u"ICO" || m_context.FileTypeCode() == u"CUR") {
         picture = grab(ImgEgg->geometry()).toImage(); // as shown, over the window's background
-    } else if (m_state.FileTypeCode != u"PPT") {
-        picture = PictureLoader::load(m_state.currentPath(), inSrgb()).image; // the stored resolution, not the zoom
-        if (picture.isNull() && !QFileInfo::exists(m_state.currentPath()))
+    } else if (m_context.FileTypeCode() != u"PPT") {
+        picture = PictureLoader::load(m_context.currentPath(), inSrgb()).image; // the stored resolution, not the zoom
+        if (picture.isNull() && !QFileInfo::exists(m_context.currentPath()))
             m_prompts.ask({m_state.messages.GetMsg(1022, QStringLiteral("File Not Found !")), PromptButtons::Ok,
                            PromptIcon::Critical});
     }
@@ -286,7 +287,7 @@ void frmMain::cmdClip_Click()
 
 void frmMain::mnuCropClip_Click()
 {
-    if (!m_state.CropSelectionActive)
+    if (!m_cropSelectionActive)
         return;
     stopSlideTimer();
     const QImage area = ColourManagement::shownInSrgb(areaPicture(cropTarget()));
@@ -297,11 +298,11 @@ void frmMain::mnuCropClip_Click()
 
 void frmMain::cmdGrab_Click()
 {
-    if (!m_state.MainMovieLoaded || MediaPlayer1->FileName().isEmpty())
+    if (!m_context.MainMovieLoaded() || MediaPlayer1->FileName().isEmpty())
         return;
     ClearCropSelection();
     stopSlideTimer();
-    m_state.StopPreviewLoad = true;
+    stopIndexPage();
     QGuiApplication::clipboard()->clear();
     QCoreApplication::processEvents();
     for (QToolButton *button : {cmdGrab, cmdClip, cmdPrint})
@@ -317,12 +318,12 @@ void frmMain::cmdGrab_Click()
     dialog.FilterIndex = 1;
     dialog.Flags = 0;
     dialog.InitDir = outputFolder();
-    dialog.FileName = OutputRules::nextNumberedName(outputFolder(), m_state.CurrentFileName, Numbered::Grab);
+    dialog.FileName = OutputRules::nextNumberedName(outputFolder(), m_context.CurrentFileName(), Numbered::Grab);
     if (dialog.ShowOpen(m_prompts)) {
         const QString destination = dialog.FileName;
         if (PictureOutput::saveBitmap(heldMovieFrame(), destination)) {
             m_state.OutputFolder = QFileInfo(destination).path();
-            if (OutputRules::sameFolder(m_state.OutputFolder, m_state.CurrentFolder))
+            if (OutputRules::sameFolder(m_state.OutputFolder, m_context.CurrentFolder()))
                 reloadAfterWrite(destination);
         } else {
             m_prompts.ask({m_state.messages.GetMsg(20804, QStringLiteral("The picture could not be written to the file."))
@@ -341,8 +342,8 @@ void frmMain::cmdGrab_Click()
 // The picture as loaded from its file, or the movie's frame.
 QImage frmMain::currentPicture()
 {
-    if (!m_state.MainMovieLoaded)
-        return PictureLoader::load(m_state.currentPath()).image;
+    if (!m_context.MainMovieLoaded())
+        return PictureLoader::load(m_context.currentPath()).image;
     const MovieFrameHold hold = holdMovieFrame();
     const QImage frame = heldMovieFrame();
     releaseMovieFrame(hold);
@@ -356,10 +357,10 @@ void frmMain::printFromDialog(const std::function<QImage()> &picture, QWidget *o
     QCoreApplication::processEvents();
     for (QToolButton *button : {cmdClip, cmdPrint, cmdGrab})
         button->setEnabled(false);
-    const bool resume = m_state.MainMovieLoaded && MediaPlayer1->PlayState() == MoviePlayer::Playing;
+    const bool resume = m_context.MainMovieLoaded() && MediaPlayer1->PlayState() == MoviePlayer::Playing;
     if (resume)
         MediaPlayer1->Pause();
-    const QString slides = m_state.FileTypeCode == u"PPT" ? m_state.currentPath() : QString();
+    const QString slides = m_context.FileTypeCode() == u"PPT" ? m_context.currentPath() : QString();
     printPicture(owner, picture, slides);
     if (resume)
         MediaPlayer1->Play();
@@ -383,14 +384,14 @@ void frmMain::printPicture(QWidget *owner, const std::function<QImage()> &pictur
 
 void frmMain::cmdPrint_Click()
 {
-    if (m_state.CurrentFileName.isEmpty())
+    if (m_context.CurrentFileName().isEmpty())
         return;
     printFromDialog([this] { return currentPicture(); }, this);
 }
 
 void frmMain::mnuCropPrint_Click()
 {
-    if (!m_state.CropSelectionActive)
+    if (!m_cropSelectionActive)
         return;
     printFromDialog([this] { return areaPicture(cropTarget()); }, this);
 }
@@ -399,10 +400,10 @@ void frmMain::mnuCropPrint_Click()
 
 void frmMain::mnuWall_Click()
 {
-    if (m_state.CurrentFileName.isEmpty() || m_state.FileTypeCode == u"PPT")
+    if (m_context.CurrentFileName().isEmpty() || m_context.FileTypeCode() == u"PPT")
         return;
     stopSlideTimer();
-    setWallpaperFrom(m_state.currentPath(), m_state.FileTypeCode == u"BMP", [this] { return currentPicture(); });
+    setWallpaperFrom(m_context.currentPath(), m_context.FileTypeCode() == u"BMP", [this] { return currentPicture(); });
     restartSlideTimerIfOn();
 }
 

@@ -1,5 +1,6 @@
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "display/PictureView.h"
 #include "platform/PictureLoader.h"
@@ -53,10 +54,10 @@ void frmMain::prefetchNeighbours()
     }
     const bool fitted = Option1[0]->isChecked();
     // Spelled as currentPath() spells them, so that the shown one is found.
-    const QString folder = m_state.CurrentFolder.endsWith(QLatin1Char('/')) ? m_state.CurrentFolder
-                                                                            : m_state.CurrentFolder + QLatin1Char('/');
+    const QString folder = m_context.CurrentFolder().endsWith(QLatin1Char('/')) ? m_context.CurrentFolder()
+                                                                            : m_context.CurrentFolder() + QLatin1Char('/');
     QStringList paths;
-    for (const QString &name : PrefetchRules::namesToHold(m_state.FileNames, m_state.CurrentIndex, m_state.SlideshowOn,
+    for (const QString &name : PrefetchRules::namesToHold(m_context.FileNames(), m_context.CurrentIndex(), m_state.SlideshowOn,
                                                           fitted ? PrefetchRules::Fitted : PrefetchRules::ActualSize))
         paths.append(folder + name);
     prefetch().hold(paths, displayTarget(fitted, fitTarget(), actualSizeViewport()));
@@ -74,7 +75,7 @@ void frmMain::fillPictureView()
     if (!options.part.isValid())
         options.fitInto = ImgEgg->size() * devicePixelRatio(); // never more than the picture has
     const PictureLoader::Picture loaded =
-        PictureLoader::loadWithinLimit(m_state.currentPath(), options, m_state.PictureDecodeLimitMs);
+        PictureLoader::loadWithinLimit(m_context.currentPath(), options, m_state.PictureDecodeLimitMs);
     if (!loaded.isNull())
-        ImgEgg->setPicture(loaded.image, loaded.naturalSize, loaded.part);
+        setShownPicture(loaded);
 }

@@ -1,5 +1,6 @@
 #include "viewer/frmMain.h"
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "display/PictureView.h"
 #include "display/ZoomRules.h"
@@ -37,7 +38,7 @@ void frmMain::ZoomTo(int percent)
 {
     stopSlideTimer();
     setWaitCursor(true);
-    if (m_state.MainMovieLoaded) {
+    if (m_context.MainMovieLoaded()) {
         const QSize natural = MediaPlayer1->naturalSize();
         if (!natural.isEmpty()) {
             const ViewGeometry::Twips device = pictureTwips();
@@ -73,7 +74,7 @@ void frmMain::mnuFull_Click() { chooseViewMode(1); }
 
 void frmMain::chooseViewMode(int option)
 {
-    if (m_state.MainMovieLoaded && m_state.FullScreenActive)
+    if (m_context.MainMovieLoaded() && m_context.FullScreenActive())
         mnuFullScreen_Click(); // back from the player's full screen first
     if (Option1[option]->isChecked())
         Option1_Click(); // selecting it again still resets the zoom
@@ -98,7 +99,7 @@ void frmMain::Option1_Click()
 // Fit or actual size, as the mode option says.
 void frmMain::fitOrActualSize()
 {
-    if (m_state.MainMovieLoaded) {
+    if (m_context.MainMovieLoaded()) {
         fitOrActualSizeMovie();
         return;
     }
@@ -159,8 +160,8 @@ void frmMain::updateSizeTexts()
 {
     const QSize natural = ImgEgg->naturalSize();
     const QString resolution = ViewRules::resolutionText(natural.width(), natural.height());
-    ImgEgg->setToolTip(m_state.CurrentFileName + QStringLiteral("   (") + resolution + QStringLiteral(")  ")
-                       + m_fileSizeDisplay + QLatin1Char(' '));
+    ImgEgg->setToolTip(m_context.CurrentFileName() + QStringLiteral("   (") + resolution + QStringLiteral(")  ")
+                       + m_context.FileSizeDisplay() + QLatin1Char(' '));
     const QScreen *screen = this->screen();
     const double displayedCm =
         ViewGeometry::displayedCentimetres(ImgEgg->width(), screen ? screen->physicalDotsPerInchX() : 0, m_twips);

@@ -13,6 +13,7 @@ MainWindowFixture::MainWindowFixture()
     m_settings = std::make_unique<LoggingIniStore>(iniPath());
     state = std::make_unique<AppState>(*m_settings, messages);
     state->ProgramFolder = programFolder();
+    context = std::make_unique<ViewerContext>(messages);
 }
 
 MainWindowFixture::~MainWindowFixture()
@@ -62,7 +63,7 @@ QString MainWindowFixture::makePicture(const QString &folder, const QString &nam
 
 frmMain &MainWindowFixture::start(const QString &commandLine)
 {
-    m_window = std::make_unique<frmMain>(*state, prompts, launcher);
+    m_window = std::make_unique<frmMain>(*state, *context, prompts, launcher);
     if (beforeLoad)
         beforeLoad(*m_window);
     m_window->Form_Load(commandLine);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "context/ViewerContext.h"
 #include "core/AppState.h"
 #include "core/MessageCatalogue.h"
 #include "core/SettingsStore.h"
@@ -62,6 +63,7 @@ public:
     RecordingLauncher launcher;
     MessageCatalogue messages;
     std::unique_ptr<AppState> state;
+    std::unique_ptr<ViewerContext> context;
 
 private:
     QTemporaryDir m_root;

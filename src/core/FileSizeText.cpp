@@ -1,4 +1,4 @@
-#include "files/FileSizeText.h"
+#include "core/FileSizeText.h"
 
 #include "core/MessageCatalogue.h"
 

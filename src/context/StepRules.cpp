@@ -1,4 +1,4 @@
-#include "viewer/StepRules.h"
+#include "context/StepRules.h"
 
 #include <QtGlobal>
 
