@@ -1,5 +1,6 @@
 // Listing a large folder, and showing a large JPEG in fit mode.
 #include "bench/BenchTable.h"
+#include "support/WindowProbe.h"
 #include "bench/BenchWindow.h"
 
 #include "core/AppState.h"
@@ -34,7 +35,7 @@ void fitDisplayBench(BenchTable &table)
     const QString path = makeLargeJpeg(dir.path(), "large.jpg");
     OpenWindow open(path);
     frmMain &window = open.window;
-    window.Option1[0]->setChecked(true);
+    ui(window).Option1[0]->setChecked(true);
     QCoreApplication::processEvents();
 
     const double ours = bestOf(benchRuns(3), [&] {

@@ -3,6 +3,7 @@
 // are measured in a fresh process each (the bench binary again, --child),
 // so that no figure carries another's.
 #include "bench/BenchTable.h"
+#include "support/WindowProbe.h"
 #include "bench/BenchWindow.h"
 
 #include <QCoreApplication>
@@ -55,7 +56,7 @@ void checkWalkedTo(const OpenWindow &open, const QString &last)
 
 void fitMode(frmMain &window)
 {
-    window.Option1[0]->setChecked(true);
+    ui(window).Option1[0]->setChecked(true);
     QCoreApplication::processEvents();
 }
 

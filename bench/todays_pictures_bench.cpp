@@ -2,6 +2,7 @@
 // own command-line decoder on the same file, and what converting a photo's
 // colour profile to sRGB adds to decoding it.
 #include "bench/BenchTable.h"
+#include "support/WindowProbe.h"
 #include "bench/BenchWindow.h"
 #include "platform/PictureLoader.h"
 #include "viewer/PicturePrefetch.h"
@@ -81,7 +82,7 @@ double fitMs(const QString &path)
 {
     OpenWindow open(path);
     frmMain &window = open.window;
-    window.Option1[0]->setChecked(true);
+    ui(window).Option1[0]->setChecked(true);
     QCoreApplication::processEvents();
     return bestOf(benchRuns(3), [&] {
         window.prefetch().hold({}, {});

@@ -1,4 +1,5 @@
 #include "files/frmList.h"
+#include "support/WindowProbe.h"
 #include "index/frmIndex.h"
 #include "support/MainWindowFixture.h"
 
@@ -65,22 +66,22 @@ TEST(AccessibleText, EveryWindowIsReadAsItShows)
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
 
     // The type filter list included: every entry is read by its label.
-    window.CboType->showPopup();
+    ui(window).CboType->showPopup();
     EXPECT_EQ(readingFaults(&window), QStringList());
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(window.CboType)->text(QAccessible::Name), "All Supported");
-    window.CboType->hidePopup();
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(ui(window).CboType)->text(QAccessible::Name), "All Supported");
+    ui(window).CboType->hidePopup();
 
-    window.cmdAdd->click();
-    window.cmdList->click();
+    ui(window).cmdAdd->click();
+    ui(window).cmdList->click();
     frmList &favourites = window.favourites();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return favourites.isVisible() && favourites.ListImage->count() == 1; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return favourites.isVisible() && ui(favourites).ListImage->count() == 1; }));
     EXPECT_EQ(readingFaults(&favourites), QStringList());
     favourites.close();
 
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     frmIndex *index = window.indexWindow();
     ASSERT_NE(index, nullptr);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading(); }, 20000));
     EXPECT_EQ(readingFaults(index), QStringList());
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(index->cells[1].Image1)->text(QAccessible::Name), "b.bmp");
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(ui(index).cells[1].Image1)->text(QAccessible::Name), "b.bmp");
 }

@@ -1,4 +1,5 @@
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include "index/ThumbnailCache.h"
 #include "index/ThumbnailDecoder.h"
@@ -202,8 +203,8 @@ TEST(DisplayColours, TheWindowShowsTheScreensColoursAndHandsOutSrgb)
     frmMain &window = fixture.start(path);
     window.resize(1000, 800);
     QCoreApplication::processEvents();
-    ASSERT_EQ(window.ImgEgg->size(), QSize(600, 400));
-    const QImage shown = window.ImgEgg->grab().toImage();
+    ASSERT_EQ(ui(window).ImgEgg->size(), QSize(600, 400));
+    const QImage shown = ui(window).ImgEgg->grab().toImage();
     EXPECT_TRUE(near(shown.pixel(300, 200), onScreen, 1)) << rgbText(shown.pixel(300, 200));
 
     QGuiApplication::clipboard()->clear();
@@ -212,18 +213,18 @@ TEST(DisplayColours, TheWindowShowsTheScreensColoursAndHandsOutSrgb)
     ASSERT_FALSE(copied.isNull());
     EXPECT_TRUE(near(copied.pixel(10, 10), colour.rgb(), 1)) << rgbText(copied.pixel(10, 10));
 
-    window.cmdRitaglia->click();
-    QTest::mousePress(window.ImgEgg, Qt::LeftButton, {}, {100, 100});
-    QMouseEvent move(QEvent::MouseMove, QPointF(300, 300), window.ImgEgg->mapToGlobal(QPointF(300, 300)), Qt::NoButton,
+    ui(window).cmdRitaglia->click();
+    QTest::mousePress(ui(window).ImgEgg, Qt::LeftButton, {}, {100, 100});
+    QMouseEvent move(QEvent::MouseMove, QPointF(300, 300), ui(window).ImgEgg->mapToGlobal(QPointF(300, 300)), Qt::NoButton,
                      Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window.ImgEgg, &move);
-    QTest::mouseRelease(window.ImgEgg, Qt::LeftButton, {}, {300, 300});
+    QCoreApplication::sendEvent(ui(window).ImgEgg, &move);
+    QTest::mouseRelease(ui(window).ImgEgg, Qt::LeftButton, {}, {300, 300});
     fixture.prompts.files = {folder + "/area.bmp"};
-    window.mnuCropSave->trigger();
+    ui(window).mnuCropSave->trigger();
     const QImage area(folder + "/area.bmp");
     ASSERT_FALSE(area.isNull());
     EXPECT_TRUE(near(area.pixel(50, 50), colour.rgb(), 2)) << rgbText(area.pixel(50, 50));
-    window.mnuCropClip->trigger();
+    ui(window).mnuCropClip->trigger();
     EXPECT_TRUE(near(QGuiApplication::clipboard()->image().pixel(50, 50), colour.rgb(), 2));
 
     QTemporaryDir cacheRoot;

@@ -1,4 +1,5 @@
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include "core/FileTypeCatalogue.h"
 #include "viewer/FolderListing.h"
@@ -93,16 +94,16 @@ TEST_F(EarlyShow, CommandLinePictureIsShownOnceBeforeTheListingEnds)
     EXPECT_LE(listedWhenShown.at(0), 1);
     // At the end all is as if it had been shown after the listing.
     EXPECT_EQ(fixture.context->CurrentIndex(), Fillers);
-    EXPECT_EQ(window.LabNum->text(), QStringLiteral(" %1/%2 ").arg(Fillers + 1).arg(Fillers + 2));
-    EXPECT_EQ(window.LabFil->text(), "photo.bmp");
+    EXPECT_EQ(ui(window).LabNum->text(), QStringLiteral(" %1/%2 ").arg(Fillers + 1).arg(Fillers + 2));
+    EXPECT_EQ(ui(window).LabFil->text(), "photo.bmp");
     EXPECT_EQ(window.windowTitle(), " photo.bmp  - Vimora ");
-    EXPECT_TRUE(window.LabNum->isVisible());
-    EXPECT_TRUE(window.cmdNext->isEnabled());
-    EXPECT_TRUE(window.cmdBack->isEnabled());
-    EXPECT_EQ(window.ImgEgg->naturalSize(), QSize(64, 48));
+    EXPECT_TRUE(ui(window).LabNum->isVisible());
+    EXPECT_TRUE(ui(window).cmdNext->isEnabled());
+    EXPECT_TRUE(ui(window).cmdBack->isEnabled());
+    EXPECT_EQ(ui(window).ImgEgg->naturalSize(), QSize(64, 48));
     EXPECT_TRUE(fixture.context->FolderSummaryText().startsWith(QString::number(Fillers + 2) + "     "));
 
-    window.cmdNext->click();
+    ui(window).cmdNext->click();
     EXPECT_EQ(fixture.context->CurrentFileName(), "zclip.avi");
 }
 

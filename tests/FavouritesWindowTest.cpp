@@ -1,4 +1,5 @@
 #include "core/AppState.h"
+#include "support/WindowProbe.h"
 #include "core/MessageCatalogue.h"
 #include "files/Favourites.h"
 #include "files/FileCommands.h"
@@ -77,8 +78,8 @@ struct FavouritesWindow : ::testing::Test {
     QList<bool> enabledButtons() const
     {
         QList<bool> on;
-        for (QWidget *control : std::initializer_list<QWidget *>{list->cmdAll, list->cmdSave, list->cmdMove,
-                                                                 list->cmdDel, list->Check1})
+        for (QWidget *control : std::initializer_list<QWidget *>{ui(list).cmdAll, ui(list).cmdSave, ui(list).cmdMove,
+                                                                 ui(list).cmdDel, ui(list).Check1})
             on.append(control->isEnabled());
         return on;
     }
@@ -124,7 +125,7 @@ TEST_F(FavouritesWindow, EmptyListStoresAndLoadsNothing)
     window.SaveFavourites();
     EXPECT_TRUE(settings.writeLog.isEmpty());
     EXPECT_EQ(window.FavouritesStoredCount, 0);
-    EXPECT_EQ(window.LabSel->text(), "");
+    EXPECT_EQ(ui(window).LabSel->text(), "");
 }
 
 TEST_F(FavouritesWindow, SizeLabelAndSelectAll)
@@ -134,16 +135,16 @@ TEST_F(FavouritesWindow, SizeLabelAndSelectAll)
     window.Inserisci_Lista(a);
     window.Inserisci_Lista(b);
     window.Inserisci_Lista(root.path() + "/gone.jpg");
-    EXPECT_EQ(window.LabSel->text(), "Size of selected files : 2 K");
+    EXPECT_EQ(ui(window).LabSel->text(), "Size of selected files : 2 K");
 
-    window.Check1->click(); // checked: all selected
-    window.Check1->click(); // unchecked: none
+    ui(window).Check1->click(); // checked: all selected
+    ui(window).Check1->click(); // unchecked: none
     EXPECT_TRUE(window.selectedEntries().isEmpty());
-    EXPECT_FALSE(window.cmdDel->isEnabled());
-    EXPECT_EQ(window.LabSel->text(), "");
-    window.Check1->click();
+    EXPECT_FALSE(ui(window).cmdDel->isEnabled());
+    EXPECT_EQ(ui(window).LabSel->text(), "");
+    ui(window).Check1->click();
     EXPECT_EQ(window.selectedEntries().size(), 3);
-    EXPECT_TRUE(window.cmdDel->isEnabled());
+    EXPECT_TRUE(ui(window).cmdDel->isEnabled());
 }
 
 TEST_F(FavouritesWindow, DeletingASelectionOfThreeAsksOnceAndDropsThem)
@@ -155,13 +156,13 @@ TEST_F(FavouritesWindow, DeletingASelectionOfThreeAsksOnceAndDropsThem)
     frmList &window = open();
     for (const QString &path : {shown, other, kept, far})
         window.Inserisci_Lista(path);
-    window.ListImage->item(2)->setSelected(false); // kept.jpg
+    ui(window).ListImage->item(2)->setSelected(false); // kept.jpg
     window.show();
 
     const QByteArray previous = qgetenv("XDG_DATA_HOME");
     qputenv("XDG_DATA_HOME", (root.path() + "/data").toUtf8());
     prompts.answers = {PromptAnswer::Yes};
-    window.cmdDel->click();
+    ui(window).cmdDel->click();
     qputenv("XDG_DATA_HOME", previous);
 
     ASSERT_EQ(prompts.asked.size(), 1);
@@ -186,7 +187,7 @@ TEST_F(FavouritesWindow, MissingFilesAreReportedAndOfferedForRemoval)
     // gone one: OK, remove? Yes; gone two: OK, remove? No; then the trash question, No.
     prompts.answers = {PromptAnswer::Ok, PromptAnswer::Yes, PromptAnswer::Ok, PromptAnswer::No, PromptAnswer::No};
     window.show();
-    window.cmdDel->click();
+    ui(window).cmdDel->click();
     EXPECT_FALSE(window.isVisible()); // Delete closes the window whatever was answered
     ASSERT_EQ(prompts.asked.size(), 5);
     EXPECT_EQ(prompts.asked[0].text, "File Not Found !\r\n\r\n" + root.path() + "/gone one.jpg");
@@ -206,7 +207,7 @@ TEST_F(FavouritesWindow, DecliningTheTrashKeepsEveryEntryAndClosesTheWindow)
     // Another program removes one file while the trash question is up; the user says No.
     prompts.beforeAnswer = [&](const PromptMessage &) { QFile::remove(vanishing); };
     prompts.answers = {PromptAnswer::No};
-    window.cmdDel->click();
+    ui(window).cmdDel->click();
     ASSERT_EQ(prompts.asked.size(), 1);
     EXPECT_EQ(window.entries(), QStringList({kept, vanishing}));
     EXPECT_TRUE(QFileInfo::exists(kept));
@@ -223,7 +224,7 @@ TEST_F(FavouritesWindow, MovingASelectionAsksPerConflictAndCancelStops)
         window.Inserisci_Lista(path);
     prompts.folders = {root.path() + "/to"};
     prompts.answers = {PromptAnswer::No, PromptAnswer::Cancel}; // b kept where it is; c stops the rest
-    window.cmdMove->click();
+    ui(window).cmdMove->click();
     ASSERT_EQ(prompts.asked.size(), 2);
     EXPECT_EQ(prompts.asked[0].buttons, PromptButtons::YesNoCancel);
     EXPECT_EQ(prompts.asked[0].defaultButton, 2);
@@ -260,10 +261,10 @@ TEST_F(FavouritesWindow, ClearAsksAndClosingOnlyHides)
 {
     frmList &window = open();
     window.Inserisci_Lista("/x/a.jpg");
-    window.cmdAll->click(); // answered No
+    ui(window).cmdAll->click(); // answered No
     EXPECT_EQ(window.entries().size(), 1);
     prompts.answers = {PromptAnswer::Yes};
-    window.cmdAll->click();
+    ui(window).cmdAll->click();
     EXPECT_TRUE(window.entries().isEmpty());
     EXPECT_EQ(prompts.asked.last().text, "Clear List ?");
     EXPECT_TRUE(host.calls.contains("add 1"));

@@ -1,5 +1,6 @@
 // The shown folder as other programs change it.
 #include "index/frmIndex.h"
+#include "support/WindowProbe.h"
 #include "platform/Drives.h"
 #include "support/MainWindowFixture.h"
 #include "viewer/FolderListing.h"
@@ -40,7 +41,7 @@ struct LiveFolder : ::testing::Test {
         fixture.makeFiles(folder, names);
         fixture.settings().write("UserDef", "Language", "EN");
         frmMain &window = fixture.start(folder + '/' + names.first());
-        EXPECT_TRUE(QTest::qWaitFor([&] { return window.LabFil->text() == names.first(); }, 5000));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return ui(window).LabFil->text() == names.first(); }, 5000));
         return window;
     }
     // As another program writes it: under a temporary name, then renamed.
@@ -52,7 +53,7 @@ struct LiveFolder : ::testing::Test {
     }
     bool statusSays(frmMain &window, const QString &position, const QString &file)
     {
-        return QTest::qWaitFor([&] { return window.LabNum->text() == position && window.LabFil->text() == file; },
+        return QTest::qWaitFor([&] { return ui(window).LabNum->text() == position && ui(window).LabFil->text() == file; },
                                3000);
     }
 };
@@ -72,7 +73,7 @@ TEST_F(LiveFolder, FilesOtherProgramsAddRemoveOrRenameJoinOrLeaveTheListInTheirP
     ASSERT_TRUE(statusSays(window, " 2/3 ", "b.bmp"));
     ASSERT_TRUE(QFile::remove(folder + "/a.bmp"));
     EXPECT_TRUE(statusSays(window, " 1/2 ", "b.bmp"));
-    EXPECT_FALSE(window.cmdBack->isEnabled());
+    EXPECT_FALSE(ui(window).cmdBack->isEnabled());
 
     ASSERT_TRUE(QFile::rename(folder + "/c.bmp", folder + "/0.bmp")); // renamed elsewhere: in its new place
     EXPECT_TRUE(statusSays(window, " 2/2 ", "b.bmp"));
@@ -82,7 +83,7 @@ TEST_F(LiveFolder, FilesOtherProgramsAddRemoveOrRenameJoinOrLeaveTheListInTheirP
 TEST_F(LiveFolder, TheIndexPageAndItsCountAndSizeFollowWithinASecond)
 {
     frmMain &window = start({"a.bmp", "c.bmp"});
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     frmIndex &index = *window.indexWindow();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 20000));
     const auto summaryNow = [&] {
@@ -94,23 +95,23 @@ TEST_F(LiveFolder, TheIndexPageAndItsCountAndSizeFollowWithinASecond)
     };
     const auto pageShows = [&](const QString &name, bool there) {
         return !index.pageLoading() && (index.cellOfPath(folder + '/' + name) >= 0) == there
-            && index.LabLoad->text().endsWith(" / " + summaryNow());
+            && ui(index).LabLoad->text().endsWith(" / " + summaryNow());
     };
 
     QElapsedTimer clock;
     clock.start();
     writeElsewhere("b.bmp");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return pageShows("b.bmp", true); }, 1000)) << index.LabLoad->text().toStdString();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return pageShows("b.bmp", true); }, 1000)) << ui(index).LabLoad->text().toStdString();
     EXPECT_EQ(index.cellOfPath(folder + "/b.bmp"), 1); // in its place between a and c
     EXPECT_LT(clock.elapsed(), 1000);
 
     clock.restart();
     ASSERT_TRUE(QFile::rename(folder + "/c.bmp", folder + "/0.bmp"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return pageShows("c.bmp", false) && pageShows("0.bmp", true); }, 1000))
-        << index.LabLoad->text().toStdString();
+        << ui(index).LabLoad->text().toStdString();
     EXPECT_EQ(index.cellOfPath(folder + "/0.bmp"), 0);
     EXPECT_LT(clock.elapsed(), 1000);
-    EXPECT_EQ(window.LabNum->text(), " 2/3 ");
+    EXPECT_EQ(ui(window).LabNum->text(), " 2/3 ");
 }
 
 TEST_F(LiveFolder, AFileOnShowRemovedElsewhereGivesWayToTheNextAsAfterDelete)
@@ -132,7 +133,7 @@ TEST_F(LiveFolder, AFileOnShowRemovedElsewhereGivesWayToTheNextAsAfterDelete)
 TEST_F(LiveFolder, ABurstOfTenThousandNewFilesIsReadAFewTimesNotTenThousandAndTheIndexFollows)
 {
     frmMain &window = start({"a.bmp"});
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     frmIndex &index = *window.indexWindow();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 20000));
     QSignalSpy reread(&window.context(), &ViewerContext::listLoaded);
@@ -177,12 +178,12 @@ TEST_F(LiveFolder, NetworkAndOpticalFoldersAreLeftToF5AsInotifyDoesNotHearThem)
         const Drive drive{root, "share", !network, true, network};
         mounted.beforeLoad = [&](frmMain &window) { window.setDriveSource([&] { return QList<Drive>{drive}; }); };
         frmMain &window = mounted.start(root + "/a.bmp");
-        ASSERT_TRUE(QTest::qWaitFor([&] { return window.LabNum->text() == " 1/1 "; }, 5000));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui(window).LabNum->text() == " 1/1 "; }, 5000));
         EXPECT_TRUE(window.folderWatch().folder().isEmpty()) << network;
 
         mounted.makeFiles(root, {"b.bmp"});
         QTest::keyClick(&window, Qt::Key_F5);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return window.LabNum->text() == " 1/2 "; }, 5000)) << network;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return ui(window).LabNum->text() == " 1/2 "; }, 5000)) << network;
     }
     start({"a.bmp"}); // on a local disc: watched
     EXPECT_EQ(fixture.context->CurrentFolder(), folder);

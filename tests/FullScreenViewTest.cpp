@@ -1,4 +1,5 @@
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 #include "support/TestClips.h"
 
 #include "display/AnimationView.h"
@@ -105,10 +106,10 @@ TEST(FullScreenView, CoversTheScreenWithThePictureFitted)
     const QSize screen = screenSize(*view);
     EXPECT_EQ(view->size(), screen);
     const QSize fitted = FullViewRules::fittedSize({320, 240}, screen);
-    EXPECT_EQ(view->ImgEgg->size(), fitted);
-    EXPECT_EQ(view->ImgEgg->pos(), FullViewRules::centredPosition(fitted, screen));
-    EXPECT_TRUE(view->ImgEgg->isVisible());
-    EXPECT_TRUE(view->ImgEgg->toolTip().startsWith(" a.bmp  (320 x 240)  "));
+    EXPECT_EQ(ui(view).ImgEgg->size(), fitted);
+    EXPECT_EQ(ui(view).ImgEgg->pos(), FullViewRules::centredPosition(fitted, screen));
+    EXPECT_TRUE(ui(view).ImgEgg->isVisible());
+    EXPECT_TRUE(ui(view).ImgEgg->toolTip().startsWith(" a.bmp  (320 x 240)  "));
     EXPECT_EQ(view->windowTitle(), QString()) << "no caption table entry for the window itself";
 }
 
@@ -121,7 +122,7 @@ TEST(FullScreenView, PagesWithTheKeysAndPlaysAMovieFullScreenInThePlayer)
     ASSERT_TRUE(view);
     QTest::keyClick(view, Qt::Key_Down);
     EXPECT_EQ(full.fixture.context->CurrentFileName(), "b.bmp");
-    EXPECT_EQ(view->ImgEgg->size(), FullViewRules::fittedSize({2000, 1000}, screenSize(*view)));
+    EXPECT_EQ(ui(view).ImgEgg->size(), FullViewRules::fittedSize({2000, 1000}, screenSize(*view)));
     EXPECT_FALSE(full.window().isVisible()) << "paging keeps the main window hidden";
     QTest::keyClick(view, Qt::Key_Up);
     EXPECT_EQ(full.fixture.context->CurrentFileName(), "a.bmp");
@@ -129,11 +130,11 @@ TEST(FullScreenView, PagesWithTheKeysAndPlaysAMovieFullScreenInThePlayer)
     QTest::keyClick(view, Qt::Key_Space);
     EXPECT_EQ(full.fixture.context->CurrentFileName(), "c.avi");
 
-    MoviePlayer &player = *full.window().MediaPlayer1;
+    MoviePlayer &player = *ui(full.window()).MediaPlayer1;
     EXPECT_EQ(player.DisplaySize(), MoviePlayer::FullScreen);
     EXPECT_TRUE(player.isFullScreen());
-    EXPECT_FALSE(view->ImgEgg->isVisible());
-    EXPECT_FALSE(view->WebBrowser1->isVisible());
+    EXPECT_FALSE(ui(view).ImgEgg->isVisible());
+    EXPECT_FALSE(ui(view).WebBrowser1->isVisible());
     ASSERT_TRUE(QTest::qWaitFor([&] { return player.PlayState() != MoviePlayer::Closed; }, 8000));
 
     // A key in the player ends both full-screen views.
@@ -154,14 +155,14 @@ class FullScreenViewClosing : public ::testing::TestWithParam<CloseCase> {};
 TEST_P(FullScreenViewClosing, GivesTheMainWindowBackWithFocusOnCmdTrucco)
 {
     FullWindow full;
-    full.window().cmdRefr->setFocus();
+    ui(full.window()).cmdRefr->setFocus();
     QPointer<frmFull> view = full.open();
     ASSERT_TRUE(view);
     GetParam().close(*view);
     EXPECT_TRUE(full.closed(view));
     EXPECT_FALSE(full.fixture.context->FullScreenActive());
     EXPECT_TRUE(full.window().isVisible());
-    EXPECT_EQ(full.window().focusWidget(), full.window().cmdTrucco);
+    EXPECT_EQ(full.window().focusWidget(), ui(full.window()).cmdTrucco);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -169,8 +170,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(CloseCase{"Escape", [](frmFull &view) { QTest::keyClick(&view, Qt::Key_Escape); }},
                       CloseCase{"DoubleClickOnWindow", [](frmFull &view) { QTest::mouseDClick(&view, Qt::LeftButton, {}, {3, 3}); }},
                       CloseCase{"DoubleClickOnPicture",
-                                [](frmFull &view) { QTest::mouseDClick(view.ImgEgg, Qt::LeftButton, {}, {5, 5}); }},
-                      CloseCase{"RestoreItem", [](frmFull &view) { view.mnuNormal->trigger(); }}),
+                                [](frmFull &view) { QTest::mouseDClick(ui(view).ImgEgg, Qt::LeftButton, {}, {5, 5}); }},
+                      CloseCase{"RestoreItem", [](frmFull &view) { ui(view).mnuNormal->trigger(); }}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(FullScreenView, ZoomItemClosesAndZoomsInTheMainWindow)
@@ -182,8 +183,8 @@ TEST(FullScreenView, ZoomItemClosesAndZoomsInTheMainWindow)
     ASSERT_NE(item, nullptr);
     item->trigger();
     EXPECT_TRUE(full.closed(view));
-    EXPECT_EQ(full.window().LabZoom->text(), ViewRules::zoomLabel(200));
-    EXPECT_EQ(full.window().ImgEgg->size(), QSize(640, 480));
+    EXPECT_EQ(ui(full.window()).LabZoom->text(), ViewRules::zoomLabel(200));
+    EXPECT_EQ(ui(full.window()).ImgEgg->size(), QSize(640, 480));
 }
 
 TEST(FullScreenView, PopupRunsTheMainWindowsCommandsOnTheFileShown)
@@ -191,26 +192,26 @@ TEST(FullScreenView, PopupRunsTheMainWindowsCommandsOnTheFileShown)
     FullWindow full;
     QPointer<frmFull> view = full.open();
     ASSERT_TRUE(view);
-    QTest::mousePress(view->ImgEgg, Qt::RightButton, {}, {4, 4});
-    ASSERT_TRUE(view->SFPOPUP->isVisible());
-    view->SFPOPUP->hide();
-    EXPECT_EQ(view->SFPOPUP->defaultAction(), view->mnuNormal);
-    EXPECT_FALSE(view->mnuPlay->isVisible()) << "a picture: no player items";
-    EXPECT_FALSE(view->mnuAnim->isVisible());
-    for (QAction *item : {view->mnuAdd, view->mnuRemove, view->mnuPrint, view->mnuSave, view->mnuWall,
-                          view->mnuRemoveWall})
+    QTest::mousePress(ui(view).ImgEgg, Qt::RightButton, {}, {4, 4});
+    ASSERT_TRUE(ui(view).SFPOPUP->isVisible());
+    ui(view).SFPOPUP->hide();
+    EXPECT_EQ(ui(view).SFPOPUP->defaultAction(), ui(view).mnuNormal);
+    EXPECT_FALSE(ui(view).mnuPlay->isVisible()) << "a picture: no player items";
+    EXPECT_FALSE(ui(view).mnuAnim->isVisible());
+    for (QAction *item : {ui(view).mnuAdd, ui(view).mnuRemove, ui(view).mnuPrint, ui(view).mnuSave, ui(view).mnuWall,
+                          ui(view).mnuRemoveWall})
         EXPECT_TRUE(item->isEnabled()) << item->objectName().toStdString();
-    EXPECT_EQ(view->mnuAdd->text(), "Add to list");
-    EXPECT_EQ(view->mnuNormal->text(), "Restore");
+    EXPECT_EQ(ui(view).mnuAdd->text(), "Add to list");
+    EXPECT_EQ(ui(view).mnuNormal->text(), "Restore");
 
     const QString shown = full.folder + "/a.bmp";
-    view->mnuAdd->trigger();
+    ui(view).mnuAdd->trigger();
     EXPECT_TRUE(full.window().favourites().entries().contains(shown));
-    view->mnuRemove->trigger();
+    ui(view).mnuRemove->trigger();
     EXPECT_FALSE(full.window().favourites().entries().contains(shown));
 
     full.fixture.launcher.started.clear();
-    view->mnuShellOpen->trigger();
+    ui(view).mnuShellOpen->trigger();
     ASSERT_FALSE(full.fixture.launcher.started.isEmpty());
     EXPECT_TRUE(full.fixture.launcher.started.last().second.contains(shown));
     EXPECT_TRUE(view->isVisible()) << "these commands keep the view up";
@@ -223,13 +224,13 @@ TEST(FullScreenView, SaveAsAndPrintComeUpOverTheViewAndItsKeysWorkAfterThem)
     ASSERT_TRUE(view);
     const QString copy = full.fixture.makeFolder("copies") + "/copy.bmp";
     full.fixture.prompts.files = {copy};
-    view->mnuSave->trigger();
+    ui(view).mnuSave->trigger();
     ASSERT_EQ(full.fixture.prompts.fileRequests.size(), 1);
     EXPECT_EQ(full.fixture.prompts.fileRequests[0].title, "Select destination path for file copy ");
     EXPECT_EQ(full.fixture.prompts.fileRequests[0].owner, view.data());
     EXPECT_TRUE(QFile::exists(copy));
 
-    view->mnuPrint->trigger(); // cancelled by the scripted dialog
+    ui(view).mnuPrint->trigger(); // cancelled by the scripted dialog
     ASSERT_EQ(full.fixture.prompts.printRequests.size(), 1);
     EXPECT_EQ(full.fixture.prompts.printRequests[0].owner, view.data());
 

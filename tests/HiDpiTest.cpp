@@ -1,6 +1,7 @@
 // Runs at the scale factor of its environment: ctest runs it again under
 // QT_SCALE_FACTOR 1.5 and 2 (tests/CMakeLists.txt).
 #include "display/ViewGeometry.h"
+#include "support/WindowProbe.h"
 #include "fullscreen/frmFull.h"
 #include "index/ThumbnailCache.h"
 #include "index/frmIndex.h"
@@ -108,16 +109,16 @@ TEST(HiDpiWindow, FitsTheWorkAreaAndShowsOnePicturePixelPerDevicePixelAt100Perce
             << "run " << run << " ratio " << ratio;
 
         QTest::keyClick(&window, Qt::Key_L, Qt::AltModifier); // actual size
-        ASSERT_TRUE(QTest::qWaitFor([&] { return window.LabZoom->text().contains("100"); }, 5000))
-            << window.windowTitle().toStdString() << " zoom " << window.LabZoom->text().toStdString();
-        EXPECT_EQ((QSizeF(window.ImgEgg->size()) * ratio).toSize(), natural) << ratio;
-        const QImage shown = window.ImgEgg->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui(window).LabZoom->text().contains("100"); }, 5000))
+            << window.windowTitle().toStdString() << " zoom " << ui(window).LabZoom->text().toStdString();
+        EXPECT_EQ((QSizeF(ui(window).ImgEgg->size()) * ratio).toSize(), natural) << ratio;
+        const QImage shown = ui(window).ImgEgg->grab().toImage().convertToFormat(QImage::Format_RGB32);
         EXPECT_EQ(pixelsDifferent(shown, checkerboard(natural)), 0) << ratio;
 
         // Pixels per centimetre of the real screen: its device pixels over its size.
-        const double cm = window.ImgEgg->width() / screen->physicalDotsPerInchX() * 2.54;
-        EXPECT_TRUE(window.LabPix->text().contains(QString("(%1 pixels/cm)").arg(std::lround(natural.width() / cm))))
-            << window.LabPix->text().toStdString();
+        const double cm = ui(window).ImgEgg->width() / screen->physicalDotsPerInchX() * 2.54;
+        EXPECT_TRUE(ui(window).LabPix->text().contains(QString("(%1 pixels/cm)").arg(std::lround(natural.width() / cm))))
+            << ui(window).LabPix->text().toStdString();
         fixture.close();
     }
 }
@@ -132,8 +133,8 @@ TEST(HiDpiWindow, APictureOfAnOddSizeIsNotResampledAt100Percent)
     frmMain &window = fixture.start(folder + "/odd.bmp");
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     QTest::keyClick(&window, Qt::Key_L, Qt::AltModifier);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window.LabZoom->text() == " 100% "; }, 5000));
-    const QImage shown = window.ImgEgg->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui(window).LabZoom->text() == " 100% "; }, 5000));
+    const QImage shown = ui(window).ImgEgg->grab().toImage().convertToFormat(QImage::Format_RGB32);
     ASSERT_GE(shown.width(), 96);
     ASSERT_GE(shown.height(), 72);
     EXPECT_EQ(pixelsDifferent(shown, board.copy(shown.rect())), 0) << window.devicePixelRatioF();
@@ -149,10 +150,10 @@ TEST(HiDpiWindow, ThumbnailsAreMadeAtTheDeviceSizeOfTheirCellAndDrawnUnscaled)
     QTest::keyClick(&window, Qt::Key_T, Qt::AltModifier);
     frmIndex *index = window.indexWindow();
     ASSERT_NE(index, nullptr);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading() && !index->cells[0].Image1->pixmap().isNull(); },
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading() && !ui(index).cells[0].Image1->pixmap().isNull(); },
                                 20000));
     const qreal ratio = index->devicePixelRatioF();
-    const QLabel &cell = *index->cells[0].Image1;
+    const QLabel &cell = *ui(index).cells[0].Image1;
     EXPECT_EQ(cell.pixmap().size(), (QSizeF(cell.size()) * ratio).toSize()) << ratio; // one pixel per device pixel
     EXPECT_EQ(cell.pixmap().devicePixelRatio(), ratio);
     // Above a scale of 1 the cell needs more than 128 pixels: the large thumbnails.
@@ -181,9 +182,9 @@ TEST(HiDpiWindow, ThumbnailsAlreadyInTheCacheAreReadInTheFlavourTheCellNeeds)
     QTest::keyClick(&window, Qt::Key_T, Qt::AltModifier);
     frmIndex *index = window.indexWindow();
     ASSERT_NE(index, nullptr);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading() && !index->cells[0].Image1->pixmap().isNull(); },
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading() && !ui(index).cells[0].Image1->pixmap().isNull(); },
                                 20000));
-    const QLabel &cell = *index->cells[0].Image1;
+    const QLabel &cell = *ui(index).cells[0].Image1;
     const qreal ratio = index->devicePixelRatioF();
     const QImage shown = cell.pixmap().toImage();
     const QColor expected = qMax(cell.width(), cell.height()) * ratio > 128 ? Qt::magenta : Qt::green;
@@ -198,9 +199,9 @@ TEST(HiDpiWindow, TheFullScreenViewHoldsAndDrawsThePictureAtDeviceResolution)
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(photo);
     QTest::keyClick(&window, Qt::Key_F, Qt::AltModifier); // fitted: the main window holds a smaller decode
-    QTest::mouseDClick(window.ImgEgg, Qt::LeftButton, {}, {5, 5});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window.fullView() && window.fullView()->ImgEgg->isVisible(); }, 10000));
-    PictureView &shown = *window.fullView()->ImgEgg;
+    QTest::mouseDClick(ui(window).ImgEgg, Qt::LeftButton, {}, {5, 5});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.fullView() && ui(window.fullView()).ImgEgg->isVisible(); }, 10000));
+    PictureView &shown = *ui(window.fullView()).ImgEgg;
     const qreal ratio = shown.devicePixelRatioF();
     EXPECT_GE(shown.picture().width(), int(shown.width() * ratio) - 2) << ratio;
     const QImage drawn = shown.grab().toImage();
@@ -217,13 +218,13 @@ TEST(HiDpiWindow, ACroppedAreaHoldsThePicturesOwnPixelsOnePerDevicePixel)
     frmMain &window = fixture.start(folder + "/places.bmp");
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     QTest::keyClick(&window, Qt::Key_L, Qt::AltModifier);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window.LabZoom->text() == " 100% "; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui(window).LabZoom->text() == " 100% "; }, 5000));
     const qreal ratio = window.devicePixelRatioF();
 
-    window.cmdRitaglia->click();
-    dragOver(window.ImgEgg, {20, 14}, {80, 54}); // from half a device pixel at 1.5
+    ui(window).cmdRitaglia->click();
+    dragOver(ui(window).ImgEgg, {20, 14}, {80, 54}); // from half a device pixel at 1.5
     fixture.prompts.files = {folder + "/area.bmp"};
-    window.mnuCropSave->trigger();
+    ui(window).mnuCropSave->trigger();
     const QImage saved = QImageReader(folder + "/area.bmp").read().convertToFormat(QImage::Format_RGB32);
     ASSERT_FALSE(saved.isNull());
 
@@ -254,11 +255,11 @@ TEST(HiDpiWindow, AMovieAtActualSizeShowsOneVideoPixelPerDevicePixel)
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     QTest::keyClick(&window, Qt::Key_L, Qt::AltModifier); // actual size
     QTest::keyClick(&window, Qt::Key_Down);
-    MoviePlayer &player = *window.MediaPlayer1;
+    MoviePlayer &player = *ui(window).MediaPlayer1;
     // The label is told once the video's size is known.
     ASSERT_TRUE(QTest::qWaitFor(
-        [&] { return window.windowTitle().contains("board.avi") && window.LabZoom->text() == " 100% "; }, 10000))
-        << window.windowTitle().toStdString() << " zoom " << window.LabZoom->text().toStdString();
+        [&] { return window.windowTitle().contains("board.avi") && ui(window).LabZoom->text() == " 100% "; }, 10000))
+        << window.windowTitle().toStdString() << " zoom " << ui(window).LabZoom->text().toStdString();
     const qreal ratio = player.devicePixelRatioF();
     const QRect shown = MoviePlayer::videoFrameRect(player.naturalSize(), player.videoArea(), player.DisplaySize(), ratio);
     EXPECT_EQ((QSizeF(shown.size()) * ratio).toSize(), QSize(96, 72)) << ratio;

@@ -1,4 +1,5 @@
 #include "support/FakeSeams.h"
+#include "support/WindowProbe.h"
 #include "support/MainWindowFixture.h"
 
 #include "core/ProfileReader.h"
@@ -186,16 +187,16 @@ TEST(HostileInput, MainWindowStepsOverPicturesClaimingHugeSizes)
     for (const bool fit : {false, true}) {
         for (const HugePicture &picture : hugePictures()) {
             SCOPED_TRACE(qPrintable(picture.name + QString(fit ? " fitted" : " actual size")));
-            window.Option1[fit ? 0 : 1]->setChecked(true);
+            ui(window).Option1[fit ? 0 : 1]->setChecked(true);
             window.Mostra_Image(false, folder + '/' + picture.name, true);
-            const QImage shown = window.ImgEgg->picture();
+            const QImage shown = ui(window).ImgEgg->picture();
             if (fit) { // drawn for the window, not at the largest size
                 EXPECT_LE(shown.width(), qreal(window.width()) * window.devicePixelRatio());
             }
             EXPECT_LE(qint64(shown.width()) * shown.height(), PictureLoader::MaxPixels);
             EXPECT_LE(shown.width(), PictureLoader::MaxMetafileSide);
             EXPECT_LE(shown.height(), PictureLoader::MaxMetafileSide);
-            EXPECT_TRUE(window.WebBrowser1->isEmpty()); // no animation plays a refused picture
+            EXPECT_TRUE(ui(window).WebBrowser1->isEmpty()); // no animation plays a refused picture
         }
     }
 }
@@ -267,15 +268,15 @@ TEST(HostileInput, HostileNamesOpenPrintBecomeWallpaperAndLaunchAsThemselves)
         SCOPED_TRACE(qPrintable(name));
         const QString path = folder + '/' + name;
         window.Mostra_Image(false, path, true);
-        EXPECT_EQ(window.ImgEgg->picture().size(), QSize(48, 32));
+        EXPECT_EQ(ui(window).ImgEgg->picture().size(), QSize(48, 32));
 
         const QString pdf = out + QStringLiteral("/%1.pdf").arg(++printed);
         fixture.prompts.printers = {{true, pdf, 1}};
-        window.cmdPrint->click();
+        ui(window).cmdPrint->click();
         EXPECT_GT(QFileInfo(pdf).size(), 0);
 
         fixture.launcher.started.clear();
-        window.mnuWall->trigger();
+        ui(window).mnuWall->trigger();
         ASSERT_EQ(fixture.launcher.started.size(), 1);
         const QStringList wallpaper = fixture.launcher.started[0].second;
         ASSERT_EQ(wallpaper.size(), 1);

@@ -1,6 +1,7 @@
 // The index's commands reach the real file, favourites, output and launch
 // features through the main window.
 #include "files/frmList.h"
+#include "support/WindowProbe.h"
 #include "index/frmIndex.h"
 #include "platform/MoviePlayer.h"
 #include "support/MainWindowFixture.h"
@@ -27,7 +28,7 @@ struct IndexCommands : ::testing::Test {
         fixture.settings().write("UserDef", "Language", "EN");
         fixture.settings().write("UserDef", "savDir", folder);
         frmMain &window = fixture.start(folder + '/' + names.first());
-        window.cmdIndex->click();
+        ui(window).cmdIndex->click();
         EXPECT_TRUE(waitForPage());
         return *window.indexWindow();
     }
@@ -46,7 +47,7 @@ struct IndexCommands : ::testing::Test {
     QStringList labels(const frmIndex &index) const
     {
         QStringList names;
-        for (const frmIndex::Cell &cell : index.cells)
+        for (const frmIndexControls::Cell &cell : ui(index).cells)
             if (!cell.path.isEmpty())
                 names.append(cell.LabImage->text());
         return names;
@@ -90,18 +91,18 @@ TEST_F(IndexCommands, FavouritesMarkTheCellAndTheListWindowHoldsThem)
     const int cell = index.cellOfPath(b);
     select(index, "b.bmp");
     QTest::keyClick(&index, Qt::Key_A, Qt::AltModifier);
-    EXPECT_TRUE(index.cells[cell].ImgList->isVisibleTo(&index));
+    EXPECT_TRUE(ui(index).cells[cell].ImgList->isVisibleTo(&index));
     EXPECT_EQ(fixture.window().favourites().entries(), QStringList{b});
-    EXPECT_TRUE(fixture.window().cmdList->isEnabled());
+    EXPECT_TRUE(ui(fixture.window()).cmdList->isEnabled());
 
     // A page built again marks it from the list.
     index.cmdRefr_Click();
     ASSERT_TRUE(waitForPage());
-    EXPECT_TRUE(index.cells[index.cellOfPath(b)].ImgList->isVisibleTo(&index));
+    EXPECT_TRUE(ui(index).cells[index.cellOfPath(b)].ImgList->isVisibleTo(&index));
 
     select(index, "b.bmp");
     QTest::keyClick(&index, Qt::Key_R, Qt::AltModifier);
-    EXPECT_FALSE(index.cells[index.cellOfPath(b)].ImgList->isVisibleTo(&index));
+    EXPECT_FALSE(ui(index).cells[index.cellOfPath(b)].ImgList->isVisibleTo(&index));
     EXPECT_TRUE(fixture.window().favourites().entries().isEmpty());
 }
 
@@ -144,15 +145,15 @@ TEST_F(IndexCommands, ShellOpenLaunchesUnlessTheTypeIsLinkedToVimora)
     fixture.launcher.started.clear();
 
     select(index, "a.jpg");
-    EXPECT_FALSE(index.mnuShellOpen->isVisible());
+    EXPECT_FALSE(ui(index).mnuShellOpen->isVisible());
     index.onShellOpen(folder + "/a.jpg"); // the guard holds even when reached
     EXPECT_TRUE(fixture.launcher.started.isEmpty());
 
     select(index, "c.jpeg");
-    EXPECT_TRUE(index.mnuShellOpen->isVisible()); // shown when the launch would go ahead
+    EXPECT_TRUE(ui(index).mnuShellOpen->isVisible()); // shown when the launch would go ahead
     select(index, "b.ico");
-    EXPECT_TRUE(index.mnuShellOpen->isVisible());
-    index.mnuShellOpen->trigger();
+    EXPECT_TRUE(ui(index).mnuShellOpen->isVisible());
+    ui(index).mnuShellOpen->trigger();
     ASSERT_EQ(fixture.launcher.started.size(), 1);
     EXPECT_EQ(fixture.launcher.started[0].first, "xdg-open");
     EXPECT_EQ(fixture.launcher.started[0].second, QStringList{folder + "/b.ico"});
@@ -166,7 +167,7 @@ TEST_F(IndexCommands, MovedMovieIsLetGoByItsCellFirst)
     QFile::copy(clip, folder + "/clip.avi");
     frmIndex &index = open({"a.bmp"});
     const QString path = folder + "/clip.avi";
-    MoviePlayer *player = index.cells[index.cellOfPath(path)].MediaPlayer1;
+    MoviePlayer *player = ui(index).cells[index.cellOfPath(path)].MediaPlayer1;
     ASSERT_TRUE(QTest::qWaitFor([&] { return player->FileName() == path; }, 8000));
 
     // Record how the file and the cell stood when the index was asked.

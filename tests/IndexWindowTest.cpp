@@ -1,4 +1,5 @@
 #include "index/frmIndex.h"
+#include "support/WindowProbe.h"
 #include "platform/MoviePlayer.h"
 #include "support/MainWindowFixture.h"
 #include "support/TestClips.h"
@@ -15,7 +16,7 @@ namespace {
 // page is built.
 frmIndex &openIndex(frmMain &window)
 {
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     frmIndex *index = window.indexWindow();
     EXPECT_NE(index, nullptr);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading(); }, 20000));
@@ -25,7 +26,7 @@ frmIndex &openIndex(frmMain &window)
 int visibleCells(const frmIndex &index)
 {
     int count = 0;
-    for (const frmIndex::Cell &cell : index.cells)
+    for (const frmIndexControls::Cell &cell : ui(index).cells)
         count += cell.Frame2->isVisibleTo(cell.Frame2->parentWidget()) ? 1 : 0;
     return count;
 }
@@ -55,25 +56,25 @@ TEST(IndexWindow, PagesThroughTwentyFiveFiles)
 
     EXPECT_TRUE(index.isOpen());
     EXPECT_EQ(visibleCells(index), 24);
-    EXPECT_FALSE(index.cmdBack->isEnabled());
-    EXPECT_TRUE(index.cmdNext->isEnabled());
-    EXPECT_FALSE(index.LabLoad->isVisibleTo(&index));
-    EXPECT_EQ(index.LabType->text(), "All Supported Files");
+    EXPECT_FALSE(ui(index).cmdBack->isEnabled());
+    EXPECT_TRUE(ui(index).cmdNext->isEnabled());
+    EXPECT_FALSE(ui(index).LabLoad->isVisibleTo(&index));
+    EXPECT_EQ(ui(index).LabType->text(), "All Supported Files");
     EXPECT_EQ(index.windowTitle(), " " + folder);
     // Every picture cell got its thumbnail, tag and tooltip.
-    EXPECT_FALSE(index.cells[23].Image1->pixmap().isNull());
-    EXPECT_EQ(index.cells[0].tag, folder + "/p00.bmp / 71 x 48");
-    EXPECT_TRUE(index.cells[0].Frame2->toolTip().startsWith(" p00.bmp  (71 x 48)  "));
+    EXPECT_FALSE(ui(index).cells[23].Image1->pixmap().isNull());
+    EXPECT_EQ(ui(index).cells[0].tag, folder + "/p00.bmp / 71 x 48");
+    EXPECT_TRUE(ui(index).cells[0].Frame2->toolTip().startsWith(" p00.bmp  (71 x 48)  "));
 
-    index.cmdBack->click(); // page 0: nothing happens
+    ui(index).cmdBack->click(); // page 0: nothing happens
     EXPECT_EQ(index.IndexPage, 0);
-    index.cmdNext->click();
+    ui(index).cmdNext->click();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 10000));
     EXPECT_EQ(index.IndexPage, 1);
     EXPECT_EQ(visibleCells(index), 1);
-    EXPECT_EQ(index.cells[0].LabImage->text(), "p24.bmp");
-    EXPECT_TRUE(index.cmdBack->isEnabled());
-    EXPECT_FALSE(index.cmdNext->isEnabled());
+    EXPECT_EQ(ui(index).cells[0].LabImage->text(), "p24.bmp");
+    EXPECT_TRUE(ui(index).cmdBack->isEnabled());
+    EXPECT_FALSE(ui(index).cmdNext->isEnabled());
 
     // Page Down in the index moves the main window, not the page.
     const int shown = fixture.context->CurrentIndex();
@@ -92,7 +93,7 @@ TEST(IndexWindow, ChangingFolderCancelsThePageInProgress)
     fixture.makeFiles(small, {"s1.bmp", "s2.bmp"});
     frmMain &window = fixture.start(big + "/b00.jpg");
 
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     frmIndex &index = *window.indexWindow();
     ASSERT_TRUE(index.pageLoading());
     window.setDir1Path(small); // while the big pictures decode
@@ -101,9 +102,9 @@ TEST(IndexWindow, ChangingFolderCancelsThePageInProgress)
 
     EXPECT_EQ(index.IndexPage, 0);
     EXPECT_EQ(visibleCells(index), 2);
-    EXPECT_EQ(index.cells[0].path, small + "/s1.bmp");
+    EXPECT_EQ(ui(index).cells[0].path, small + "/s1.bmp");
     for (int cell = 2; cell < 24; ++cell)
-        EXPECT_TRUE(index.cells[cell].Image1->pixmap().isNull()) << cell;
+        EXPECT_TRUE(ui(index).cells[cell].Image1->pixmap().isNull()) << cell;
 }
 
 TEST(IndexWindow, PlaysPausesAndStopsAllMoviesOfThePage)
@@ -120,67 +121,67 @@ TEST(IndexWindow, PlaysPausesAndStopsAllMoviesOfThePage)
 
     std::vector<int> movies;
     for (int cell = 0; cell < 24; ++cell)
-        if (index.cells[cell].movie)
+        if (ui(index).cells[cell].movie)
             movies.push_back(cell);
     ASSERT_EQ(movies.size(), 3u);
     for (int cell : movies) {
-        ASSERT_TRUE(waitForState(index.cells[cell].MediaPlayer1, MoviePlayer::Stopped)) << cell;
-        ASSERT_TRUE(QTest::qWaitFor([&] { return index.cells[cell].durationShown; }, 5000));
-        EXPECT_TRUE(index.cells[cell].tag.endsWith(" / 01\"")) << index.cells[cell].tag.toStdString();
-        EXPECT_TRUE(index.cells[cell].cmdPlaySmall->isEnabled());
+        ASSERT_TRUE(waitForState(ui(index).cells[cell].MediaPlayer1, MoviePlayer::Stopped)) << cell;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui(index).cells[cell].durationShown; }, 5000));
+        EXPECT_TRUE(ui(index).cells[cell].tag.endsWith(" / 01\"")) << ui(index).cells[cell].tag.toStdString();
+        EXPECT_TRUE(ui(index).cells[cell].cmdPlaySmall->isEnabled());
     }
 
-    index.cmdPlay->click();
+    ui(index).cmdPlay->click();
     for (int cell : movies)
-        EXPECT_TRUE(waitForState(index.cells[cell].MediaPlayer1, MoviePlayer::Playing)) << cell;
-    index.cmdPause->click();
+        EXPECT_TRUE(waitForState(ui(index).cells[cell].MediaPlayer1, MoviePlayer::Playing)) << cell;
+    ui(index).cmdPause->click();
     for (int cell : movies)
-        EXPECT_EQ(index.cells[cell].MediaPlayer1->PlayState(), MoviePlayer::Paused) << cell;
+        EXPECT_EQ(ui(index).cells[cell].MediaPlayer1->PlayState(), MoviePlayer::Paused) << cell;
 
     // Stop all leaves a paused movie paused, rewound.
-    index.cells[movies[0]].HScroll1->setValue(40);
-    index.cmdStop->click();
+    ui(index).cells[movies[0]].HScroll1->setValue(40);
+    ui(index).cmdStop->click();
     for (int cell : movies) {
-        EXPECT_EQ(index.cells[cell].MediaPlayer1->PlayState(), MoviePlayer::Paused) << cell;
-        EXPECT_LT(index.cells[cell].MediaPlayer1->CurrentPosition(), 0.05) << cell;
-        EXPECT_EQ(index.cells[cell].HScroll1->value(), 0) << cell;
+        EXPECT_EQ(ui(index).cells[cell].MediaPlayer1->PlayState(), MoviePlayer::Paused) << cell;
+        EXPECT_LT(ui(index).cells[cell].MediaPlayer1->CurrentPosition(), 0.05) << cell;
+        EXPECT_EQ(ui(index).cells[cell].HScroll1->value(), 0) << cell;
     }
 
     // A cell's own buttons play, pause and stop that cell alone.
     const int second = movies[1];
-    MoviePlayer *secondPlayer = index.cells[second].MediaPlayer1;
-    index.cells[second].cmdPlaySmall->click();
+    MoviePlayer *secondPlayer = ui(index).cells[second].MediaPlayer1;
+    ui(index).cells[second].cmdPlaySmall->click();
     EXPECT_TRUE(waitForState(secondPlayer, MoviePlayer::Playing));
     for (int cell : {movies[0], movies[2]})
-        EXPECT_EQ(index.cells[cell].MediaPlayer1->PlayState(), MoviePlayer::Paused) << cell;
-    index.cells[second].cmdPauseSmall->click();
+        EXPECT_EQ(ui(index).cells[cell].MediaPlayer1->PlayState(), MoviePlayer::Paused) << cell;
+    ui(index).cells[second].cmdPauseSmall->click();
     EXPECT_TRUE(waitForState(secondPlayer, MoviePlayer::Paused));
-    index.cells[second].cmdPlaySmall->click();
+    ui(index).cells[second].cmdPlaySmall->click();
     ASSERT_TRUE(waitForState(secondPlayer, MoviePlayer::Playing));
-    index.cells[second].cmdStopSmall->click();
+    ui(index).cells[second].cmdStopSmall->click();
     EXPECT_TRUE(waitForState(secondPlayer, MoviePlayer::Stopped));
     for (int cell : {movies[0], movies[2]})
-        EXPECT_EQ(index.cells[cell].MediaPlayer1->PlayState(), MoviePlayer::Paused) << cell;
+        EXPECT_EQ(ui(index).cells[cell].MediaPlayer1->PlayState(), MoviePlayer::Paused) << cell;
 
     // Seeking a cell's bar to half its length.
     const int first = movies[0];
-    index.cells[first].HScroll1->setValue(50);
+    ui(index).cells[first].HScroll1->setValue(50);
     index.HScroll1_Change(first);
-    EXPECT_NEAR(index.cells[first].MediaPlayer1->CurrentPosition(),
-                index.cells[first].MediaPlayer1->Duration() / 2, 0.05);
+    EXPECT_NEAR(ui(index).cells[first].MediaPlayer1->CurrentPosition(),
+                ui(index).cells[first].MediaPlayer1->Duration() / 2, 0.05);
 
     // The same movie never plays in the main window and in a cell at once.
     window.Mostra_Image(false, "clip.avi");
-    window.MediaPlayer1->Play();
-    ASSERT_TRUE(waitForState(window.MediaPlayer1, MoviePlayer::Playing));
+    ui(window).MediaPlayer1->Play();
+    ASSERT_TRUE(waitForState(ui(window).MediaPlayer1, MoviePlayer::Playing));
     const int aviCell = index.cellOfPath(folder + "/clip.avi");
-    MoviePlayer *cellPlayer = index.cells[aviCell].MediaPlayer1;
+    MoviePlayer *cellPlayer = ui(index).cells[aviCell].MediaPlayer1;
     // Loaded, so that a Play would take effect at once rather than once libmpv opens it.
     ASSERT_TRUE(QTest::qWaitFor([&] { return cellPlayer->Duration() > 0; }, 20000));
     bool cellPlayed = false;
     QObject::connect(cellPlayer, &MoviePlayer::PlayStateChange, cellPlayer,
                      [&](int, int state) { cellPlayed = cellPlayed || state == MoviePlayer::Playing; });
-    index.cells[aviCell].cmdPlaySmall->click();
+    ui(index).cells[aviCell].cmdPlaySmall->click();
     QCoreApplication::sendPostedEvents();
     EXPECT_FALSE(cellPlayed);
     EXPECT_NE(cellPlayer->PlayState(), MoviePlayer::Playing);
@@ -198,7 +199,7 @@ TEST(IndexWindow, DoubleClickOnAPlayingCellContinuesInTheMainWindow)
     frmIndex &index = openIndex(window);
     const int cell = index.cellOfPath(folder + "/clip.avi");
     ASSERT_GE(cell, 0);
-    MoviePlayer *player = index.cells[cell].MediaPlayer1;
+    MoviePlayer *player = ui(index).cells[cell].MediaPlayer1;
     ASSERT_TRUE(waitForState(player, MoviePlayer::Stopped));
 
     player->Play();
@@ -209,16 +210,16 @@ TEST(IndexWindow, DoubleClickOnAPlayingCellContinuesInTheMainWindow)
     EXPECT_EQ(player->PlayState(), MoviePlayer::Paused);
     EXPECT_EQ(fixture.context->CurrentFileName(), "clip.avi");
     EXPECT_TRUE(fixture.context->MainMovieLoaded());
-    EXPECT_NEAR(window.MediaPlayer1->CurrentPosition(), player->CurrentPosition(), 0.1);
+    EXPECT_NEAR(ui(window).MediaPlayer1->CurrentPosition(), player->CurrentPosition(), 0.1);
 
     // With the main window already playing it, a double-click does nothing.
-    window.MediaPlayer1->Play();
-    ASSERT_TRUE(waitForState(window.MediaPlayer1, MoviePlayer::Playing));
+    ui(window).MediaPlayer1->Play();
+    ASSERT_TRUE(waitForState(ui(window).MediaPlayer1, MoviePlayer::Playing));
     player->Stop();
     QSignalSpy shown(&window.context(), &ViewerContext::fileShown);
     QTest::mouseDClick(player, Qt::LeftButton, {}, player->rect().center());
     EXPECT_EQ(shown.size(), 0);
-    EXPECT_EQ(window.MediaPlayer1->PlayState(), MoviePlayer::Playing);
+    EXPECT_EQ(ui(window).MediaPlayer1->PlayState(), MoviePlayer::Playing);
 }
 
 TEST(IndexWindow, CommandsOfOtherFeaturesReachTheirHooks)
@@ -230,7 +231,7 @@ TEST(IndexWindow, CommandsOfOtherFeaturesReachTheirHooks)
     frmIndex &index = openIndex(window);
     index.onDelete = nullptr;
     index.updateCommandStates();
-    EXPECT_FALSE(index.SFDelete->isEnabled()) << "no hook, no command";
+    EXPECT_FALSE(ui(index).SFDelete->isEnabled()) << "no hook, no command";
 
     QStringList calls;
     index.onDelete = [&](const QString &path) { calls << "delete " + path; };
@@ -241,9 +242,9 @@ TEST(IndexWindow, CommandsOfOtherFeaturesReachTheirHooks)
     // The keyboard acts on the cell last touched by the mouse, not on the
     // file of the main window.
     const QPointF inside(5, 5);
-    QMouseEvent move(QEvent::MouseMove, inside, index.cells[1].Image1->mapToGlobal(inside), Qt::NoButton,
+    QMouseEvent move(QEvent::MouseMove, inside, ui(index).cells[1].Image1->mapToGlobal(inside), Qt::NoButton,
                      Qt::NoButton, Qt::NoModifier);
-    QApplication::sendEvent(index.cells[1].Image1, &move);
+    QApplication::sendEvent(ui(index).cells[1].Image1, &move);
     EXPECT_EQ(index.SelectedFile, folder + "/b.bmp");
     QTest::keyClick(&index, Qt::Key_Delete);
     QTest::keyClick(&index, Qt::Key_A, Qt::AltModifier);
@@ -255,7 +256,7 @@ TEST(IndexWindow, CommandsOfOtherFeaturesReachTheirHooks)
                                   "clip " + folder + "/b.bmp"}));
 
     index.MarkIndexThumbnail(folder + "/b.bmp", true);
-    EXPECT_TRUE(index.cells[1].ImgList->isVisibleTo(&index));
+    EXPECT_TRUE(ui(index).cells[1].ImgList->isVisibleTo(&index));
 }
 
 TEST(IndexWindow, ClosingWhileAPageLoadsStopsIt)
@@ -265,7 +266,7 @@ TEST(IndexWindow, ClosingWhileAPageLoadsStopsIt)
     for (int i = 0; i < 8; ++i)
         fixture.makePicture(folder, QStringLiteral("b%1.jpg").arg(i), QSize(3000, 2000));
     frmMain &window = fixture.start(folder + "/b0.jpg");
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     frmIndex &index = *window.indexWindow();
     ASSERT_TRUE(index.pageLoading());
 
@@ -273,10 +274,10 @@ TEST(IndexWindow, ClosingWhileAPageLoadsStopsIt)
     EXPECT_FALSE(index.pageLoading());
     EXPECT_FALSE(index.isOpen());
     QTest::qWait(500);
-    EXPECT_TRUE(index.cells[7].Image1->pixmap().isNull());
+    EXPECT_TRUE(ui(index).cells[7].Image1->pixmap().isNull());
 
     // Opening again builds the page afresh.
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 20000));
-    EXPECT_FALSE(index.cells[7].Image1->pixmap().isNull());
+    EXPECT_FALSE(ui(index).cells[7].Image1->pixmap().isNull());
 }

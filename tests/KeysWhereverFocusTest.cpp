@@ -1,6 +1,7 @@
 // The key tables pressed as a user presses them: on the real windows, with
 // the focus left where Tab or a click puts it.
 #include "files/frmList.h"
+#include "support/WindowProbe.h"
 #include "fullscreen/frmFull.h"
 #include "index/frmIndex.h"
 #include "platform/MoviePlayer.h"
@@ -45,7 +46,7 @@ struct ThreePictures {
     {
         return QTest::qWaitFor([&] {
             return window().windowTitle() == " " + name + "  - Vimora "
-                && window().LabNum->text().trimmed() == QString::number(number) + "/3";
+                && ui(window()).LabNum->text().trimmed() == QString::number(number) + "/3";
         }, 5000);
     }
     QString where() const
@@ -131,7 +132,7 @@ TEST(KeysWhereverFocus, MainWindowFromEveryControlTabReaches)
         visited.append(focus);
         // The slow keys where a user is most likely to be: right after
         // start, on the drive list and on the folder tree.
-        const bool windowsToo = stop == 0 || qobject_cast<QTreeView *>(focus) || focus == three.window().Drive1;
+        const bool windowsToo = stop == 0 || qobject_cast<QTreeView *>(focus) || focus == ui(three.window()).Drive1;
         pressTheTable(three, windowsToo);
         if (HasFailure())
             return;
@@ -153,13 +154,13 @@ TEST(KeysWhereverFocus, MainWindowAfterAClickOnTheFolderTreeAndTheSlider)
 {
     ThreePictures three;
     frmMain &window = three.window();
-    QTest::mouseClick(window.HScroll1, Qt::LeftButton, {}, {window.HScroll1->width() / 2, 4});
-    window.HScroll1->setFocus(Qt::MouseFocusReason); // a scroll bar takes the focus by click only where styled so
+    QTest::mouseClick(ui(window).HScroll1, Qt::LeftButton, {}, {ui(window).HScroll1->width() / 2, 4});
+    ui(window).HScroll1->setFocus(Qt::MouseFocusReason); // a scroll bar takes the focus by click only where styled so
     pressTheTable(three);
     // Clicking the folder on show opens nothing new but gives the tree the focus.
-    QWidget *tree = window.Dir1->viewport();
-    QTest::mouseClick(tree, Qt::LeftButton, {}, window.Dir1->visualRect(window.Dir1->currentIndex()).center());
-    ASSERT_EQ(QApplication::focusWidget(), window.Dir1);
+    QWidget *tree = ui(window).Dir1->viewport();
+    QTest::mouseClick(tree, Qt::LeftButton, {}, ui(window).Dir1->visualRect(ui(window).Dir1->currentIndex()).center());
+    ASSERT_EQ(QApplication::focusWidget(), ui(window).Dir1);
     const QString folder = three.fixture.context->CurrentFolder();
     pressTheTable(three);
     EXPECT_EQ(three.fixture.context->CurrentFolder(), folder) << "Down never opens another folder";
@@ -170,15 +171,15 @@ TEST(KeysWhereverFocus, TextFieldsKeepTheirTypingAndEnterIsTheTables)
     ThreePictures three;
     frmMain &window = three.window();
     ThreePictures::press(Qt::Key_F4);
-    ASSERT_EQ(QApplication::focusWidget(), window.CboURL);
-    QLineEdit *path = window.CboURL->lineEdit();
+    ASSERT_EQ(QApplication::focusWidget(), ui(window).CboURL);
+    QLineEdit *path = ui(window).CboURL->lineEdit();
     path->setText(three.folder);
     ThreePictures::press(Qt::Key_End);
     ThreePictures::press(Qt::Key_Backspace);
     ThreePictures::press(Qt::Key_Delete);
     EXPECT_EQ(path->text(), three.folder.chopped(1)) << "Backspace and Delete edit the path";
     EXPECT_TRUE(three.fixture.prompts.asked.isEmpty()) << "Delete asked nothing";
-    QTest::keyClicks(window.CboURL, "e");
+    QTest::keyClicks(ui(window).CboURL, "e");
     EXPECT_TRUE(path->text().startsWith(three.folder)) << path->text().toStdString(); // completed as typed
     ThreePictures::press(Qt::Key_Down);
     EXPECT_TRUE(three.shows("b.jpg", 2)) << "Down in the path box is the table's";
@@ -201,7 +202,7 @@ TEST(KeysWhereverFocus, IndexWindowKeys)
     ThreePictures::press(Qt::Key_F5);
     EXPECT_TRUE(reread.wait(5000) || reread.count() > 0);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading(); }, 20000));
-    QTest::mouseMove(index->cells[1].Image1);
+    QTest::mouseMove(ui(index).cells[1].Image1);
     index->selectCell(1);
     ThreePictures::press(Qt::Key_Delete); // answered No
     ASSERT_EQ(three.fixture.prompts.asked.size(), 1);
@@ -215,7 +216,7 @@ TEST(KeysWhereverFocus, FullScreenViewKeys)
 {
     ThreePictures three;
     frmMain &window = three.window();
-    window.mnuFullScreen->trigger();
+    ui(window).mnuFullScreen->trigger();
     QPointer<frmFull> view = window.fullView();
     ASSERT_TRUE(view);
     ThreePictures::activate(view);

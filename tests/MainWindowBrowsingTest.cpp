@@ -1,4 +1,5 @@
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 #include "support/Unprivileged.h"
 #include "viewer/ViewRules.h"
 
@@ -30,8 +31,8 @@ QStringList tenPictures()
 // Opens a folder the way a user does: selecting it in the folder tree.
 void pickInTree(frmMain &window, const QString &folder)
 {
-    auto *model = qobject_cast<QFileSystemModel *>(window.Dir1->model());
-    window.Dir1->setCurrentIndex(model->index(folder));
+    auto *model = qobject_cast<QFileSystemModel *>(ui(window).Dir1->model());
+    ui(window).Dir1->setCurrentIndex(model->index(folder));
     QCoreApplication::processEvents();
 }
 
@@ -49,20 +50,20 @@ TEST(MainWindowBrowsing, FolderPickedInTheTreeIsListedAndShown)
     EXPECT_EQ(fixture.context->CurrentFolder(), folder);
     EXPECT_EQ(fixture.context->FileNames().size(), 10);
     EXPECT_EQ(window.windowTitle(), " pic1.bmp  - Vimora ");
-    EXPECT_EQ(window.LabNum->text(), " 1/10 ");
+    EXPECT_EQ(ui(window).LabNum->text(), " 1/10 ");
     EXPECT_TRUE(fixture.context->FolderSummaryText().startsWith("10     "));
-    EXPECT_FALSE(window.cmdBack->isEnabled());
-    EXPECT_TRUE(window.cmdNext->isEnabled());
-    EXPECT_TRUE(window.cmdSave->isEnabled());
+    EXPECT_FALSE(ui(window).cmdBack->isEnabled());
+    EXPECT_TRUE(ui(window).cmdNext->isEnabled());
+    EXPECT_TRUE(ui(window).cmdSave->isEnabled());
 
-    window.cmdNext->click();
-    window.cmdNext->click();
-    EXPECT_EQ(window.LabNum->text(), " 3/10 ");
+    ui(window).cmdNext->click();
+    ui(window).cmdNext->click();
+    EXPECT_EQ(ui(window).LabNum->text(), " 3/10 ");
     EXPECT_EQ(window.windowTitle(), " pic3.bmp  - Vimora ");
-    EXPECT_TRUE(window.cmdBack->isEnabled());
+    EXPECT_TRUE(ui(window).cmdBack->isEnabled());
 
     // The folder went to the top of the path history, in the settings too.
-    EXPECT_EQ(window.CboURL->itemText(0), folder);
+    EXPECT_EQ(ui(window).CboURL->itemText(0), folder);
     QSettings ini(fixture.iniPath(), QSettings::IniFormat);
     EXPECT_EQ(ini.value("URL/0").toString(), folder);
 }
@@ -75,14 +76,14 @@ TEST(MainWindowBrowsing, LastFileDisablesNextAndEmptyFolderDisablesAdd)
     const QString empty = fixture.makeFolder("empty");
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/b.bmp");
-    EXPECT_EQ(window.LabNum->text(), " 2/2 ");
-    EXPECT_FALSE(window.cmdNext->isEnabled());
+    EXPECT_EQ(ui(window).LabNum->text(), " 2/2 ");
+    EXPECT_FALSE(ui(window).cmdNext->isEnabled());
 
     pickInTree(window, empty);
     EXPECT_TRUE(fixture.context->listIsEmpty());
     EXPECT_EQ(fixture.context->FolderSummaryText(), "0     0 byte");
-    EXPECT_FALSE(window.cmdAdd->isEnabled());
-    EXPECT_FALSE(window.cmdNext->isEnabled());
+    EXPECT_FALSE(ui(window).cmdAdd->isEnabled());
+    EXPECT_FALSE(ui(window).cmdNext->isEnabled());
     EXPECT_EQ(window.windowTitle(), " Vimora");
 }
 
@@ -95,13 +96,13 @@ TEST(MainWindowBrowsing, TypeFilterRelistsTheFolder)
     frmMain &window = fixture.start(folder + "/a.bmp");
     EXPECT_EQ(fixture.context->FileNames().size(), 5);
 
-    window.CboType->setCurrentIndex(3); // JPG,JPEG
+    ui(window).CboType->setCurrentIndex(3); // JPG,JPEG
     EXPECT_EQ(fixture.context->TypeFilterCode(), "JPG");
     EXPECT_EQ(fixture.context->TypeFilterIndex(), 3);
     EXPECT_EQ(fixture.context->FileNames(), QStringList({"b.jpg", "e.jpeg"}));
-    EXPECT_EQ(window.LabNum->text(), " 1/2 ");
+    EXPECT_EQ(ui(window).LabNum->text(), " 1/2 ");
 
-    window.CboType->setCurrentIndex(12); // AVI, a movie: handed to the player
+    ui(window).CboType->setCurrentIndex(12); // AVI, a movie: handed to the player
     EXPECT_EQ(fixture.context->FileNames(), QStringList({"d.avi"}));
     EXPECT_TRUE(fixture.context->MainMovieLoaded());
 }
@@ -116,24 +117,24 @@ TEST(MainWindowBrowsing, PathBoxOpensFoldersWithoutReorderingTheHistory)
     frmMain &window = fixture.start();
     pickInTree(window, first);
     pickInTree(window, second);
-    ASSERT_EQ(window.CboURL->itemText(0), second);
-    ASSERT_EQ(window.CboURL->itemText(1), first);
+    ASSERT_EQ(ui(window).CboURL->itemText(0), second);
+    ASSERT_EQ(ui(window).CboURL->itemText(1), first);
 
-    window.CboURL->setCurrentIndex(1);
+    ui(window).CboURL->setCurrentIndex(1);
     window.CboURL_Click();
     EXPECT_EQ(fixture.context->CurrentFolder(), first);
-    EXPECT_EQ(window.CboURL->itemText(0), second); // the history keeps its order
+    EXPECT_EQ(ui(window).CboURL->itemText(0), second); // the history keeps its order
     EXPECT_EQ(window.windowTitle(), " 1.bmp  - Vimora ");
 
     // Typing a known start completes it from the history.
-    window.CboURL->lineEdit()->clear();
-    QTest::keyClicks(window.CboURL->lineEdit(), second.left(second.size() - 3));
-    EXPECT_EQ(window.CboURL->currentText(), second + '/');
+    ui(window).CboURL->lineEdit()->clear();
+    QTest::keyClicks(ui(window).CboURL->lineEdit(), second.left(second.size() - 3));
+    EXPECT_EQ(ui(window).CboURL->currentText(), second + '/');
 
     fixture.prompts.answers = {PromptAnswer::Yes};
-    window.cmdClear->click();
-    EXPECT_EQ(window.CboURL->count(), 0);
-    EXPECT_FALSE(window.cmdClear->isEnabled());
+    ui(window).cmdClear->click();
+    EXPECT_EQ(ui(window).CboURL->count(), 0);
+    EXPECT_FALSE(ui(window).cmdClear->isEnabled());
     QSettings ini(fixture.iniPath(), QSettings::IniFormat);
     EXPECT_FALSE(ini.contains("URL/0"));
 }
@@ -147,17 +148,17 @@ TEST(MainWindowBrowsing, UpAndRefresh)
     fixture.makeFiles(child, {"c.bmp"});
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(child + "/c.bmp");
-    window.cmdUp->click();
+    ui(window).cmdUp->click();
     QCoreApplication::processEvents();
     EXPECT_EQ(fixture.context->CurrentFolder(), parent);
     EXPECT_EQ(window.windowTitle(), " p.bmp  - Vimora ");
 
     fixture.makeFiles(parent, {"o.bmp", "q.bmp"});
-    window.cmdRefr->click();
+    ui(window).cmdRefr->click();
     EXPECT_EQ(fixture.context->FileNames(), QStringList({"o.bmp", "p.bmp", "q.bmp"}));
     EXPECT_EQ(window.windowTitle(), " p.bmp  - Vimora "); // the same file, now second
-    EXPECT_EQ(window.LabNum->text(), " 2/3 ");
-    EXPECT_TRUE(window.ImgEgg->isVisible());
+    EXPECT_EQ(ui(window).LabNum->text(), " 2/3 ");
+    EXPECT_TRUE(ui(window).ImgEgg->isVisible());
 }
 
 TEST(MainWindowBrowsing, OpticalDriveWithoutDiscAsksRetryThenCancel)
@@ -170,17 +171,17 @@ TEST(MainWindowBrowsing, OpticalDriveWithoutDiscAsksRetryThenCancel)
     frmMain &window = *new frmMain(*fixture.state, *fixture.context, fixture.prompts, fixture.launcher);
     window.setDriveSource([&] { return drives; });
     window.Form_Load(folder + "/a.bmp");
-    ASSERT_EQ(window.Drive1->findData("/dev/sr0"), 1);
+    ASSERT_EQ(ui(window).Drive1->findData("/dev/sr0"), 1);
 
     fixture.prompts.answers = {PromptAnswer::Retry, PromptAnswer::Cancel};
-    window.Drive1->setCurrentIndex(1);
+    ui(window).Drive1->setCurrentIndex(1);
     ASSERT_EQ(fixture.prompts.asked.size(), 2);
     EXPECT_EQ(fixture.prompts.asked[0].text, "Drive /dev/sr0 Not Ready ...");
     EXPECT_EQ(fixture.prompts.asked[0].buttons, PromptButtons::RetryCancel);
     EXPECT_EQ(fixture.prompts.asked[0].icon, PromptIcon::Question);
     EXPECT_EQ(fixture.prompts.asked[0].defaultButton, 2);
     // Cancel goes back to the drive of the folder shown.
-    EXPECT_EQ(window.Drive1->currentData().toString(), "/");
+    EXPECT_EQ(ui(window).Drive1->currentData().toString(), "/");
     EXPECT_EQ(fixture.context->CurrentFolder(), folder);
     window.close();
     delete &window;
@@ -193,14 +194,14 @@ TEST(MainWindowBrowsing, SlidesOpenInTheirOwnProgramUnlessTheSlideshowRuns)
     fixture.makeFiles(folder, {"a.bmp", "b.ppt"});
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/a.bmp");
-    window.cmdNext->click();
+    ui(window).cmdNext->click();
     ASSERT_EQ(fixture.launcher.started.size(), 1);
     EXPECT_EQ(fixture.launcher.started[0].second, QStringList({folder + "/b.ppt"}));
-    EXPECT_FALSE(window.ImgEgg->isVisible());
+    EXPECT_FALSE(ui(window).ImgEgg->isVisible());
 
-    window.cmdBack->click();
-    window.ChkCicle->setChecked(true);
-    window.cmdNext->click();
+    ui(window).cmdBack->click();
+    ui(window).ChkCicle->setChecked(true);
+    ui(window).cmdNext->click();
     EXPECT_EQ(fixture.launcher.started.size(), 1);
 }
 
@@ -216,9 +217,9 @@ TEST(MainWindowBrowsing, PictureThatDoesNotDecodeLeavesTheAreaEmptySilently)
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/bad.jpg");
     EXPECT_EQ(window.windowTitle(), " bad.jpg  - Vimora ");
-    EXPECT_FALSE(window.ImgEgg->isVisible());
+    EXPECT_FALSE(ui(window).ImgEgg->isVisible());
     EXPECT_TRUE(fixture.prompts.asked.isEmpty());
-    EXPECT_EQ(window.LabNum->text(), " 1/2 ");
+    EXPECT_EQ(ui(window).LabNum->text(), " 1/2 ");
 }
 
 TEST(MainWindowBrowsing, UnreadableFolderAsksRetryAndCancelGoesBackToTheFolderBefore)
@@ -241,8 +242,8 @@ TEST(MainWindowBrowsing, UnreadableFolderAsksRetryAndCancelGoesBackToTheFolderBe
     EXPECT_EQ(fixture.prompts.asked[1].buttons, PromptButtons::RetryCancel);
     // Back where the user was: that folder, its list and its file.
     EXPECT_EQ(window.windowTitle(), " b.bmp  - Vimora ");
-    EXPECT_EQ(window.LabNum->text(), " 2/2 ");
-    EXPECT_EQ(window.CboURL->currentText(), shown);
+    EXPECT_EQ(ui(window).LabNum->text(), " 2/2 ");
+    EXPECT_EQ(ui(window).CboURL->currentText(), shown);
 }
 
 TEST(MainWindowBrowsing, MissingFolderTypedInThePathBoxAsksRetryAndCancelKeepsTheFolder)
@@ -253,7 +254,7 @@ TEST(MainWindowBrowsing, MissingFolderTypedInThePathBoxAsksRetryAndCancelKeepsTh
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(shown + "/a.bmp");
     QTest::keyClick(&window, Qt::Key_F4); // to the path box
-    QLineEdit *box = window.CboURL->lineEdit();
+    QLineEdit *box = ui(window).CboURL->lineEdit();
     box->clear();
     QTest::keyClicks(box, shown + "/no such folder");
     fixture.prompts.answers = {PromptAnswer::Retry, PromptAnswer::Cancel};
@@ -262,9 +263,9 @@ TEST(MainWindowBrowsing, MissingFolderTypedInThePathBoxAsksRetryAndCancelKeepsTh
     ASSERT_EQ(fixture.prompts.asked.size(), 2);
     EXPECT_TRUE(fixture.prompts.asked[0].text.startsWith("Error reading Drive "));
     EXPECT_EQ(fixture.prompts.asked[0].buttons, PromptButtons::RetryCancel);
-    EXPECT_EQ(window.CboURL->currentText(), shown);
+    EXPECT_EQ(ui(window).CboURL->currentText(), shown);
     EXPECT_EQ(window.windowTitle(), " a.bmp  - Vimora ");
-    EXPECT_EQ(window.LabNum->text(), " 1/1 ");
+    EXPECT_EQ(ui(window).LabNum->text(), " 1/1 ");
 }
 
 TEST(MainWindowBrowsing, FitModeDecodesSmallAndActualSizeDecodesOnlyWhatShows)
@@ -285,26 +286,26 @@ TEST(MainWindowBrowsing, FitModeDecodesSmallAndActualSizeDecodesOnlyWhatShows)
     window.mnufit_Click();
     window.Mostra_Image(false, "large.jpg");
 
-    EXPECT_EQ(window.ImgEgg->naturalSize(), QSize(4000, 3000));
-    EXPECT_LT(window.ImgEgg->picture().width(), 4000); // decoded at a reduced scale
-    EXPECT_TRUE(window.LabPix->text().startsWith(" 4000 x 3000 ("));
+    EXPECT_EQ(ui(window).ImgEgg->naturalSize(), QSize(4000, 3000));
+    EXPECT_LT(ui(window).ImgEgg->picture().width(), 4000); // decoded at a reduced scale
+    EXPECT_TRUE(ui(window).LabPix->text().startsWith(" 4000 x 3000 ("));
 
     window.mnuFull_Click();
-    EXPECT_EQ(window.ImgEgg->size(), QSize(4000, 3000));
-    EXPECT_EQ(window.LabZoom->text(), " 100% ");
-    EXPECT_TRUE(window.ImgEgg->holdsPart());
-    EXPECT_FALSE(window.ImgEgg->lacksPixels());
-    EXPECT_LT(qint64(window.ImgEgg->picture().width()) * window.ImgEgg->picture().height(), 4000 * 3000 / 4);
+    EXPECT_EQ(ui(window).ImgEgg->size(), QSize(4000, 3000));
+    EXPECT_EQ(ui(window).LabZoom->text(), " 100% ");
+    EXPECT_TRUE(ui(window).ImgEgg->holdsPart());
+    EXPECT_FALSE(ui(window).ImgEgg->lacksPixels());
+    EXPECT_LT(qint64(ui(window).ImgEgg->picture().width()) * ui(window).ImgEgg->picture().height(), 4000 * 3000 / 4);
 
     // Dragged to the left as a user pans: the part that comes into view is decoded.
     const QPoint from(900, 300);
     const QPoint to(100, 100);
-    QTest::mousePress(window.ImgEgg, Qt::LeftButton, {}, from);
-    QTest::mouseMove(window.ImgEgg, to);
-    QTest::mouseRelease(window.ImgEgg, Qt::LeftButton, {}, to);
-    ASSERT_LT(window.ImgEgg->x(), -500);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !window.ImgEgg->lacksPixels(); }, 5000));
-    const QPoint magentaOnScreen = window.ImgEgg->mapTo(&window, QPoint(1900, 500));
+    QTest::mousePress(ui(window).ImgEgg, Qt::LeftButton, {}, from);
+    QTest::mouseMove(ui(window).ImgEgg, to);
+    QTest::mouseRelease(ui(window).ImgEgg, Qt::LeftButton, {}, to);
+    ASSERT_LT(ui(window).ImgEgg->x(), -500);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ui(window).ImgEgg->lacksPixels(); }, 5000));
+    const QPoint magentaOnScreen = ui(window).ImgEgg->mapTo(&window, QPoint(1900, 500));
     ASSERT_TRUE(window.rect().contains(magentaOnScreen));
     const QColor drawn = window.grab().toImage().pixelColor(magentaOnScreen);
     EXPECT_GT(drawn.red(), 200);
@@ -330,7 +331,7 @@ TEST(MainWindowBrowsing, KeysThatPileUpDuringADisplayAreShownAsOneMove)
         QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier));
     ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == ViewRules::fileTitle("p6.jpg"); }, 5000));
     EXPECT_EQ(shown.size(), 1); // one by one, p2 to p5 would have come first
-    EXPECT_EQ(window.LabNum->text(), ViewRules::positionText(5, 9));
+    EXPECT_EQ(ui(window).LabNum->text(), ViewRules::positionText(5, 9));
 
     // Back past the first stops at the first; Down and Up cancel out.
     for (int press = 0; press < 8; ++press)

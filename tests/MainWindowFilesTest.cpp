@@ -1,4 +1,5 @@
 #include "core/AppState.h"
+#include "support/WindowProbe.h"
 #include "files/FileInfoText.h"
 #include "files/PlayerRelease.h"
 #include "files/TechRen.h"
@@ -39,9 +40,9 @@ struct MainWindowFiles : ::testing::Test {
 TEST_F(MainWindowFiles, AddedFilesAreSavedAtShutdownAndLoadedNextTime)
 {
     frmMain &window = start();
-    window.cmdAdd->click();
-    EXPECT_TRUE(window.cmdList->isEnabled());
-    window.cmdList->click();
+    ui(window).cmdAdd->click();
+    EXPECT_TRUE(ui(window).cmdList->isEnabled());
+    ui(window).cmdList->click();
     frmList &list = window.favourites();
     EXPECT_TRUE(list.isVisible());
     EXPECT_TRUE(fixture.state->ListWindowOpen);
@@ -58,7 +59,7 @@ TEST_F(MainWindowFiles, RenameOntoAnExistingNameIsRefusedWithAMessage)
 {
     frmMain &window = start();
     typed = {"c.bmp"};
-    window.SFRename->trigger();
+    ui(window).SFRename->trigger();
     ASSERT_EQ(fixture.prompts.asked.size(), 1);
     EXPECT_TRUE(fixture.prompts.asked[0].text.contains(folder + "/c.bmp"));
     EXPECT_TRUE(QFileInfo::exists(folder + "/b.bmp"));
@@ -69,9 +70,9 @@ TEST_F(MainWindowFiles, RenameOntoAnExistingNameIsRefusedWithAMessage)
 TEST_F(MainWindowFiles, RenameShowsTheFileUnderItsNewNameAndTheListFollows)
 {
     frmMain &window = start();
-    window.cmdAdd->click();
+    ui(window).cmdAdd->click();
     typed = {"b renamed, 'é'.bmp"};
-    window.SFRename->trigger();
+    ui(window).SFRename->trigger();
     EXPECT_TRUE(fixture.prompts.asked.isEmpty());
     EXPECT_EQ(fixture.context->CurrentFileName(), "b renamed, 'é'.bmp");
     EXPECT_EQ(window.windowTitle(), " b renamed, 'é'.bmp  - Vimora ");
@@ -81,7 +82,7 @@ TEST_F(MainWindowFiles, RenameShowsTheFileUnderItsNewNameAndTheListFollows)
     // A name with a separator is a new path: the file leaves the folder.
     const QString elsewhere = fixture.makeFolder("elsewhere");
     typed = {elsewhere + "/moved.bmp"};
-    window.SFRename->trigger();
+    ui(window).SFRename->trigger();
     EXPECT_TRUE(QFileInfo::exists(elsewhere + "/moved.bmp"));
     EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.bmp", "c.bmp"}));
 }
@@ -119,11 +120,11 @@ TEST_F(MainWindowFiles, UnchangedNameOrEscapeRenamesNothing)
 TEST_F(MainWindowFiles, DeleteSendsTheFileToTheTrashAndShowsTheNextOne)
 {
     frmMain &window = start();
-    window.cmdAdd->click();
-    window.SFDelete->trigger(); // the question answered No
+    ui(window).cmdAdd->click();
+    ui(window).SFDelete->trigger(); // the question answered No
     EXPECT_TRUE(QFileInfo::exists(folder + "/b.bmp"));
     fixture.prompts.answers = {PromptAnswer::Yes};
-    window.SFDelete->trigger();
+    ui(window).SFDelete->trigger();
     EXPECT_FALSE(QFileInfo::exists(folder + "/b.bmp"));
     EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.bmp", "c.bmp"}));
     EXPECT_EQ(fixture.context->CurrentFileName(), "c.bmp");
@@ -133,17 +134,17 @@ TEST_F(MainWindowFiles, DeleteSendsTheFileToTheTrashAndShowsTheNextOne)
 TEST_F(MainWindowFiles, InformationShowsThePanelOrReportsAMissingFile)
 {
     frmMain &window = start();
-    window.SFInfo->trigger();
+    ui(window).SFInfo->trigger();
     auto *panel = window.findChild<frmMessage *>();
     ASSERT_TRUE(panel);
     EXPECT_EQ(panel->labNome->text(), "b.bmp");
     EXPECT_EQ(panel->txtFile->text(), folder + "/b.bmp");
     EXPECT_EQ(panel->LabTipo->text(), "Bitmap");
-    EXPECT_TRUE(panel->LabMsg->text().contains("\r\n\r\n" + window.LabSiz->text().trimmed() + "\r\n\r\n"));
+    EXPECT_TRUE(panel->LabMsg->text().contains("\r\n\r\n" + ui(window).LabSiz->text().trimmed() + "\r\n\r\n"));
     panel->CmdOk->click();
 
     QFile::remove(folder + "/b.bmp");
-    window.SFInfo->trigger();
+    ui(window).SFInfo->trigger();
     ASSERT_EQ(fixture.prompts.asked.size(), 1);
     EXPECT_EQ(fixture.prompts.asked[0].text, "File Not Found !\r\n\r\n" + folder + "/b.bmp");
     EXPECT_EQ(fixture.prompts.asked[0].icon, PromptIcon::Critical);
@@ -154,7 +155,7 @@ TEST_F(MainWindowFiles, MoveTakesTheFileAwayAndShowsTheNextOne)
     frmMain &window = start();
     const QString target = fixture.makeFolder("target");
     fixture.prompts.folders = {target};
-    window.mnuMove->trigger();
+    ui(window).mnuMove->trigger();
     EXPECT_TRUE(QFileInfo::exists(target + "/b.bmp"));
     EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.bmp", "c.bmp"}));
     EXPECT_EQ(fixture.context->CurrentFileName(), "c.bmp");
@@ -169,12 +170,12 @@ TEST_F(MainWindowFiles, RenamedPlayingMovieResumesWhereItWas)
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/clip.avi");
     window.setRenameBox([](const QRect &, const QString &) { return QStringLiteral("clip renamed.avi"); });
-    MoviePlayer *player = window.MediaPlayer1;
+    MoviePlayer *player = ui(window).MediaPlayer1;
     ASSERT_TRUE(QTest::qWaitFor([&] { return player->CurrentPosition() > 0.4; }, 5000));
     player->Pause();
     const double at = player->CurrentPosition();
 
-    window.SFRename->trigger();
+    ui(window).SFRename->trigger();
     EXPECT_EQ(player->FileName(), folder + "/clip renamed.avi");
     EXPECT_TRUE(QTest::qWaitFor([&] { return player->PlayState() == MoviePlayer::Playing; }, 5000));
     EXPECT_GE(player->CurrentPosition(), at - 0.1);

@@ -1,6 +1,7 @@
 // What a user meets in the first minutes with the main window and the
 // windows around it, reached by the same keys and clicks.
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include "files/TechCre.h"
 #include "files/frmList.h"
@@ -73,15 +74,15 @@ TEST_F(Journey, DoubleClickOnTheBackgroundOrTheTopFrameOpensFullScreen)
     window.resize(900, 700);
     // Beside the picture, below the controls: nothing but the window's backdrop.
     const QPoint background(4, window.height() / 2);
-    ASSERT_TRUE(window.childAt(background) == nullptr || window.childAt(background) == window.ImgWall);
+    ASSERT_TRUE(window.childAt(background) == nullptr || window.childAt(background) == ui(window).ImgWall);
     doubleClickAt(window, background);
     ASSERT_TRUE(fullScreenUp(window));
     QTest::keyClick(window.fullView(), Qt::Key_Escape);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !window.fullView() || !window.fullView()->isVisible(); }, 3000));
 
     // The top frame, left of the controls.
-    const QPoint topFrame = window.FraFondoTop->geometry().topLeft() + QPoint(2, 2);
-    ASSERT_TRUE(window.childAt(topFrame) == window.FraFondoTop || window.childAt(topFrame) == window.Frame1);
+    const QPoint topFrame = ui(window).FraFondoTop->geometry().topLeft() + QPoint(2, 2);
+    ASSERT_TRUE(window.childAt(topFrame) == ui(window).FraFondoTop || window.childAt(topFrame) == ui(window).Frame1);
     doubleClickAt(window, topFrame);
     EXPECT_TRUE(fullScreenUp(window));
 }
@@ -89,7 +90,7 @@ TEST_F(Journey, DoubleClickOnTheBackgroundOrTheTopFrameOpensFullScreen)
 TEST_F(Journey, DoubleClickOnTheStatusRowStaysInTheWindow)
 {
     frmMain &window = start();
-    doubleClickAt(window, window.LabNum->mapTo(&window, QPoint(2, 2)));
+    doubleClickAt(window, ui(window).LabNum->mapTo(&window, QPoint(2, 2)));
     QCoreApplication::processEvents();
     EXPECT_FALSE(window.fullView() && window.fullView()->isVisible());
 }
@@ -97,12 +98,12 @@ TEST_F(Journey, DoubleClickOnTheStatusRowStaysInTheWindow)
 TEST_F(Journey, MinimisingTheMainWindowTakesTheIndexAndFavouritesAlongAndRestoringBringsThemBack)
 {
     frmMain &window = start();
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     frmIndex *index = window.indexWindow();
     ASSERT_NE(index, nullptr);
     ASSERT_TRUE(QTest::qWaitFor([&] { return index->isVisible(); }, 20000));
-    window.cmdAdd->click();
-    window.cmdList->click();
+    ui(window).cmdAdd->click();
+    ui(window).cmdList->click();
     ASSERT_TRUE(window.favourites().isVisible());
 
     window.showMinimized();
@@ -124,7 +125,7 @@ TEST_F(Journey, MinimisingTheMainWindowTakesTheAssociationDialogAlong)
         restoredWithMain = QTest::qWaitFor([&] { return link->isVisible() && !link->isMinimized(); }, 3000);
         link->reject();
     });
-    window.cmdLink->click();
+    ui(window).cmdLink->click();
     EXPECT_TRUE(minimisedWithMain);
     EXPECT_TRUE(restoredWithMain);
 }
@@ -132,13 +133,13 @@ TEST_F(Journey, MinimisingTheMainWindowTakesTheAssociationDialogAlong)
 TEST_F(Journey, F2InAnyWindowSwitchesEveryOpenWindowsLanguage)
 {
     frmMain &window = start();
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     frmIndex *index = window.indexWindow();
     ASSERT_TRUE(QTest::qWaitFor([&] { return index->isVisible() && !index->pageLoading(); }, 20000));
-    window.cmdAdd->click();
-    window.cmdList->click();
+    ui(window).cmdAdd->click();
+    ui(window).cmdList->click();
     frmList &favourites = window.favourites();
-    ASSERT_EQ(favourites.cmdDel->text(), "Delete");
+    ASSERT_EQ(ui(favourites).cmdDel->text(), "Delete");
     ASSERT_EQ(index->windowTitle(), ' ' + folder);
 
     // F2 in the favourites window, then in the index, then in the main window.
@@ -155,9 +156,9 @@ TEST_F(Journey, F2InAnyWindowSwitchesEveryOpenWindowsLanguage)
         fixture.prompts.languages = {step.language};
         QTest::keyClick(step.where, Qt::Key_F2);
         const std::string where = step.where->objectName().toStdString();
-        EXPECT_EQ(window.Option1[0]->text(), step.fit) << where;
-        EXPECT_EQ(favourites.cmdDel->text(), step.del) << where;
-        EXPECT_EQ(index->cmdNext->toolTip(), step.nextPage) << where;
+        EXPECT_EQ(ui(window).Option1[0]->text(), step.fit) << where;
+        EXPECT_EQ(ui(favourites).cmdDel->text(), step.del) << where;
+        EXPECT_EQ(ui(index).cmdNext->toolTip(), step.nextPage) << where;
         EXPECT_EQ(index->windowTitle(), ' ' + folder) << where; // the title keeps the folder
     }
 }
@@ -166,8 +167,8 @@ TEST_F(Journey, SlideshowIntervalStoredAbove60StartsAt60)
 {
     fixture.settings().write("UserDef", "xTime", "300");
     frmMain &window = start();
-    EXPECT_EQ(window.txtTime->text(), "60");
-    EXPECT_EQ(window.HScroll1->value(), 60);
+    EXPECT_EQ(ui(window).txtTime->text(), "60");
+    EXPECT_EQ(ui(window).HScroll1->value(), 60);
     fixture.close();
     QSettings ini(fixture.iniPath(), QSettings::IniFormat);
     EXPECT_EQ(ini.value("UserDef/xTime").toString(), "60");
@@ -194,7 +195,7 @@ TEST_F(Journey, ScreenReadersReadEveryLabelByItsWholeText)
         checkLabels(*about);
         about->CmdOk->click();
     });
-    window.cmdAbout->click();
+    ui(window).cmdAbout->click();
     EXPECT_TRUE(seen);
 }
 
@@ -239,7 +240,7 @@ TEST_F(Journey, PrintingSlidesWithoutLibreOfficeSaysSo)
     const QString empty = fixture.makeFolder("no programs");
     qputenv("PATH", empty.toUtf8());
     fixture.prompts.printers = {{}};
-    window.cmdPrint->click();
+    ui(window).cmdPrint->click();
     qputenv("PATH", path);
     ASSERT_EQ(fixture.prompts.asked.size(), 1);
     EXPECT_TRUE(fixture.prompts.asked[0].text.contains("LibreOffice")) << fixture.prompts.asked[0].text.toStdString();
@@ -253,7 +254,7 @@ TEST_F(Journey, PrintingSlidesWithoutLibreOfficeSaysSo)
     qputenv("PATH", empty.toUtf8());
     fixture.prompts.printers = {{}};
     fixture.launcher.started.clear();
-    window.cmdPrint->click();
+    ui(window).cmdPrint->click();
     qputenv("PATH", path);
     EXPECT_EQ(fixture.prompts.asked.size(), 1);
     ASSERT_EQ(fixture.launcher.started.size(), 1);
@@ -279,16 +280,16 @@ TEST_F(Journey, SlideshowWaitsWhileTheExploredFolderIsInFront)
     fixture.settings().write("UserDef", "xTime", "1");
     fixture.makeFiles(folder, {"c.bmp"}); // three, so that two ticks cannot come round again
     frmMain &window = start();
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     frmIndex *index = window.indexWindow();
     ASSERT_TRUE(QTest::qWaitFor([&] { return index->isVisible() && !index->pageLoading(); }, 20000));
-    window.ChkCicle->setChecked(true);
-    ASSERT_TRUE(window.TimerImage->isActive());
+    ui(window).ChkCicle->setChecked(true);
+    ASSERT_TRUE(ui(window).TimerImage->isActive());
 
-    index->cmdDir->click(); // Explore: the file manager opens and takes the front
+    ui(index).cmdDir->click(); // Explore: the file manager opens and takes the front
     ASSERT_FALSE(fixture.launcher.started.isEmpty());
     emit qApp->applicationStateChanged(Qt::ApplicationInactive);
-    QSignalSpy ticks(window.TimerImage, &QTimer::timeout);
+    QSignalSpy ticks(ui(window).TimerImage, &QTimer::timeout);
     ASSERT_TRUE(QTest::qWaitFor([&] { return ticks.size() >= 2; }, 5000));
     EXPECT_EQ(window.windowTitle(), " a.bmp  - Vimora ");
 

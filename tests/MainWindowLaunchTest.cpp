@@ -1,4 +1,5 @@
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include "files/HelpWindow.h"
 #include "files/TechCre.h"
@@ -34,21 +35,21 @@ TEST(MainWindowLaunch, ShellOpenIsOfferedUnlessTheTypeIsLinked)
 
     // The popup as the right button opens it.
     const auto openPopup = [&] {
-        QTest::mousePress(window.ImgEgg, Qt::RightButton, {}, {5, 5}, QApplication::doubleClickInterval() + 10);
-        QTest::mouseRelease(window.ImgEgg, Qt::RightButton, {}, {5, 5});
-        ASSERT_TRUE(window.SFPOPUP->isVisible());
-        window.SFPOPUP->hide();
+        QTest::mousePress(ui(window).ImgEgg, Qt::RightButton, {}, {5, 5}, QApplication::doubleClickInterval() + 10);
+        QTest::mouseRelease(ui(window).ImgEgg, Qt::RightButton, {}, {5, 5});
+        ASSERT_TRUE(ui(window).SFPOPUP->isVisible());
+        ui(window).SFPOPUP->hide();
     };
     openPopup();
-    EXPECT_FALSE(window.mnuShellOpen->isVisible());
-    EXPECT_TRUE(window.mnuShellEdit->isVisible());
+    EXPECT_FALSE(ui(window).mnuShellOpen->isVisible());
+    EXPECT_TRUE(ui(window).mnuShellEdit->isVisible());
 
     window.cmdNext_Click();
     openPopup();
-    EXPECT_TRUE(window.mnuShellOpen->isVisible());
-    EXPECT_TRUE(window.mnuShellOpen->isEnabled());
+    EXPECT_TRUE(ui(window).mnuShellOpen->isVisible());
+    EXPECT_TRUE(ui(window).mnuShellOpen->isEnabled());
 
-    window.mnuShellOpen->trigger();
+    ui(window).mnuShellOpen->trigger();
     ASSERT_EQ(fixture.launcher.started.size(), 1);
     EXPECT_EQ(fixture.launcher.started[0].first, "xdg-open");
     EXPECT_EQ(fixture.launcher.started[0].second, QStringList{fixture.programFolder() + "b.bmp"});
@@ -61,24 +62,24 @@ TEST(MainWindowLaunch, FolderPopupShowsAndExploresTheEntryItWasOpenedOver)
     fixture.makeFiles(photos, {"p.bmp"});
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start();
-    EXPECT_TRUE(window.mnuDirOpen->isEnabled());
-    EXPECT_TRUE(window.mnuDirExpl->isEnabled());
+    EXPECT_TRUE(ui(window).mnuDirOpen->isEnabled());
+    EXPECT_TRUE(ui(window).mnuDirExpl->isEnabled());
 
     // The pop-up is opened over the photos entry while the browsed folder is its parent.
-    auto *model = qobject_cast<QFileSystemModel *>(window.Dir1->model());
+    auto *model = qobject_cast<QFileSystemModel *>(ui(window).Dir1->model());
     ASSERT_NE(model, nullptr);
     const QModelIndex entry = model->index(photos);
-    window.Dir1->scrollTo(entry);
+    ui(window).Dir1->scrollTo(entry);
     QCoreApplication::processEvents();
     EXPECT_EQ(fixture.context->CurrentFolder() + '/', fixture.programFolder());
-    emit window.Dir1->customContextMenuRequested(window.Dir1->visualRect(entry).center());
-    window.DIRPOPUP->close();
+    emit ui(window).Dir1->customContextMenuRequested(ui(window).Dir1->visualRect(entry).center());
+    ui(window).DIRPOPUP->close();
 
-    window.mnuDirExpl->trigger();
+    ui(window).mnuDirExpl->trigger();
     ASSERT_EQ(fixture.launcher.started.size(), 1);
     EXPECT_EQ(fixture.launcher.started[0].second, QStringList{photos});
 
-    window.mnuDirOpen->trigger();
+    ui(window).mnuDirOpen->trigger();
     QCoreApplication::processEvents();
     EXPECT_EQ(fixture.context->CurrentFolder(), photos);
 }
@@ -90,7 +91,7 @@ TEST(MainWindowLaunch, HelpShowsThePageOfTheCurrentLanguage)
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start();
 
-    window.cmdHelp->click();
+    ui(window).cmdHelp->click();
     HelpWindow *help = window.helpWindow();
     ASSERT_NE(help, nullptr);
     EXPECT_TRUE(help->isVisible());
@@ -124,13 +125,13 @@ TEST(MainWindowLaunch, AboutBoxShowsVersionAndOpensTheHomePage)
         MainWindowFixture fixture;
         fixture.settings().write("UserDef", "Language", language);
         frmMain &window = fixture.start();
-        window.ChkCicle->setChecked(true);
+        ui(window).ChkCicle->setChecked(true);
 
         bool seen = false;
         QTimer::singleShot(0, [&] {
             auto *about = qobject_cast<TechCre *>(QApplication::activeModalWidget());
             ASSERT_NE(about, nullptr);
-            EXPECT_FALSE(window.TimerImage->isActive()); // the slideshow waits
+            EXPECT_FALSE(ui(window).TimerImage->isActive()); // the slideshow waits
             seen = true;
             if (QString(language) == "EN") {
                 EXPECT_EQ(about->windowTitle(), "About");
@@ -143,9 +144,9 @@ TEST(MainWindowLaunch, AboutBoxShowsVersionAndOpensTheHomePage)
             QTest::mouseClick(about->LabHome, Qt::LeftButton);
             about->CmdOk->click();
         });
-        window.cmdAbout->click();
+        ui(window).cmdAbout->click();
         EXPECT_TRUE(seen) << language;
-        EXPECT_TRUE(window.TimerImage->isActive());
+        EXPECT_TRUE(ui(window).TimerImage->isActive());
         ASSERT_EQ(fixture.launcher.started.size(), 1);
         EXPECT_EQ(fixture.launcher.started[0].second, QStringList{"https://vimora.org/"});
     }
@@ -173,7 +174,7 @@ TEST(MainWindowLaunch, AssociationDialogEnablesOkOnAClickAndStoresTheMarks)
         EXPECT_TRUE(link->CmdOk->isEnabled());
         link->CmdOk->click();
     });
-    window.cmdLink->click();
+    ui(window).cmdLink->click();
     EXPECT_TRUE(seen);
     EXPECT_EQ(fixture.state->LinkedTypes, QSet<QString>({"GIF"}));
     EXPECT_EQ(fixture.settings().read("Linked", "GIF"), "Y");

@@ -1,4 +1,5 @@
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include "core/FormTexts.h"
 
@@ -24,18 +25,18 @@ TEST(MainWindowLifecycle, FirstStartAsksLanguageAndOpensTheProgramFolder)
     EXPECT_EQ(fixture.context->CurrentFolder() + '/', fixture.programFolder());
     EXPECT_EQ(fixture.state->SlideSeconds, 5);
     EXPECT_TRUE(fixture.state->ShowTooltips);
-    EXPECT_TRUE(window.chkAnim->isChecked());
-    EXPECT_FALSE(window.ChkCicle->isChecked());
-    EXPECT_TRUE(window.Option1[1]->isChecked());
-    EXPECT_EQ(window.txtTime->text(), "5");
-    EXPECT_EQ(window.cmdNext->toolTip(), " Next picture ");
+    EXPECT_TRUE(ui(window).chkAnim->isChecked());
+    EXPECT_FALSE(ui(window).ChkCicle->isChecked());
+    EXPECT_TRUE(ui(window).Option1[1]->isChecked());
+    EXPECT_EQ(ui(window).txtTime->text(), "5");
+    EXPECT_EQ(ui(window).cmdNext->toolTip(), " Next picture ");
 
     // The first file of the list, in name order, is on show.
     EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.jpg", "b.bmp", "c.gif"}));
     EXPECT_EQ(window.windowTitle(), " a.jpg  - Vimora ");
-    EXPECT_EQ(window.LabNum->text(), " 1/3 ");
-    EXPECT_TRUE(window.cmdNext->isEnabled());
-    EXPECT_FALSE(window.cmdBack->isEnabled());
+    EXPECT_EQ(ui(window).LabNum->text(), " 1/3 ");
+    EXPECT_TRUE(ui(window).cmdNext->isEnabled());
+    EXPECT_FALSE(ui(window).cmdBack->isEnabled());
 }
 
 TEST(MainWindowLifecycle, StoredSettingsAreReadAndPathIsDeletedAtOnce)
@@ -57,12 +58,12 @@ TEST(MainWindowLifecycle, StoredSettingsAreReadAndPathIsDeletedAtOnce)
     EXPECT_EQ(fixture.context->CurrentFolder(), photos);
     EXPECT_EQ(store.read("UserDef", "Path", "deleted"), "deleted");
     EXPECT_EQ(fixture.state->SlideSeconds, 1);
-    EXPECT_EQ(window.txtTime->text(), "1");
-    EXPECT_EQ(window.cmdNext->toolTip(), "");
-    EXPECT_EQ(window.cmdNext->accessibleName(), "Next picture"); // still named for screen readers
-    EXPECT_FALSE(window.chkAnim->isChecked());
+    EXPECT_EQ(ui(window).txtTime->text(), "1");
+    EXPECT_EQ(ui(window).cmdNext->toolTip(), "");
+    EXPECT_EQ(ui(window).cmdNext->accessibleName(), "Next picture"); // still named for screen readers
+    EXPECT_FALSE(ui(window).chkAnim->isChecked());
     EXPECT_EQ(fixture.state->SaveFolder, "/somewhere/else");
-    EXPECT_EQ(window.CboType->currentIndex(), 0); // the filter always starts at All Supported
+    EXPECT_EQ(ui(window).CboType->currentIndex(), 0); // the filter always starts at All Supported
     EXPECT_EQ(window.windowTitle(), " one.bmp  - Vimora ");
 }
 
@@ -93,9 +94,9 @@ TEST(MainWindowLifecycle, ShutdownWritesTheSettingsInOrder)
     fixture.settings().write("UserDef", "Language", "EN");
     fixture.settings().write("UserDef", "Path", photos);
     frmMain &window = fixture.start();
-    window.HScroll1->setValue(12);
-    window.ChkCicle->setChecked(true);
-    window.Option1[0]->setChecked(true);
+    ui(window).HScroll1->setValue(12);
+    ui(window).ChkCicle->setChecked(true);
+    ui(window).Option1[0]->setChecked(true);
     fixture.settings().writeLog.clear();
     fixture.close();
 
@@ -126,10 +127,10 @@ TEST(MainWindowLifecycle, CommandLineIsOneFilePathTakenWhole)
 
     EXPECT_EQ(fixture.context->CurrentFolder(), folder);
     EXPECT_EQ(window.windowTitle(), " b c.bmp  - Vimora ");
-    EXPECT_EQ(window.LabNum->text(), " 2/3 ");
-    EXPECT_TRUE(window.ChkAuto->isChecked()); // movies named on the command line play at once
-    EXPECT_TRUE(window.cmdBack->isEnabled());
-    EXPECT_TRUE(window.cmdNext->isEnabled());
+    EXPECT_EQ(ui(window).LabNum->text(), " 2/3 ");
+    EXPECT_TRUE(ui(window).ChkAuto->isChecked()); // movies named on the command line play at once
+    EXPECT_TRUE(ui(window).cmdBack->isEnabled());
+    EXPECT_TRUE(ui(window).cmdNext->isEnabled());
 }
 
 TEST(MainWindowLifecycle, F2SwitchesTheLanguageLive)
@@ -138,8 +139,8 @@ TEST(MainWindowLifecycle, F2SwitchesTheLanguageLive)
     fixture.makeFiles(fixture.programFolder(), {"a.bmp"});
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start();
-    EXPECT_EQ(window.Option1[0]->text(), "Fit window");
-    EXPECT_EQ(window.cmdBack->toolTip(), " Previous picture ");
+    EXPECT_EQ(ui(window).Option1[0]->text(), "Fit window");
+    EXPECT_EQ(ui(window).cmdBack->toolTip(), " Previous picture ");
 
     fixture.prompts.languages = {"IT"};
     QTest::keyClick(&window, Qt::Key_F2);
@@ -161,7 +162,7 @@ TEST(MainWindowLifecycle, F2SwitchesTheLanguageLive)
         ASSERT_NE(control, nullptr) << entry.control;
         EXPECT_EQ(control->toolTip(), ' ' + messages.GetMsg(entry.number, "") + ' ') << entry.control;
     }
-    EXPECT_NE(window.CboType->itemText(0).left(20).trimmed(), "All Supported");
+    EXPECT_NE(ui(window).CboType->itemText(0).left(20).trimmed(), "All Supported");
 }
 
 TEST(MainWindowLifecycle, EveryControlHasAnAccessibleName)
@@ -173,7 +174,7 @@ TEST(MainWindowLifecycle, EveryControlHasAnAccessibleName)
         const bool isInput = qobject_cast<QAbstractButton *>(control) || qobject_cast<QComboBox *>(control)
             || qobject_cast<QLineEdit *>(control) || control->objectName() == "Dir1"
             || control->objectName() == "HScroll1";
-        if (!isInput || control->objectName().isEmpty() || control->parent() != window.Frame1)
+        if (!isInput || control->objectName().isEmpty() || control->parent() != ui(window).Frame1)
             continue;
         EXPECT_FALSE(control->accessibleName().isEmpty()) << control->objectName().toStdString() << " "
                                                           << control->metaObject()->className();

@@ -1,4 +1,5 @@
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 #include "support/TestClips.h"
 
 #include "display/AnimationView.h"
@@ -31,10 +32,10 @@ struct MovieWindow {
         if (!clip.isEmpty())
             QFile::copy(clip, folder + "/m.avi");
         frmMain &window = fixture.start(folder + "/a.bmp");
-        window.ChkAuto->setChecked(autoPlay);
+        ui(window).ChkAuto->setChecked(autoPlay);
     }
     frmMain &window() { return fixture.window(); }
-    MoviePlayer &player() { return *fixture.window().MediaPlayer1; }
+    MoviePlayer &player() { return *ui(fixture.window()).MediaPlayer1; }
     bool showMovie()
     {
         window().Mostra_Image(false, "m.avi");
@@ -96,22 +97,22 @@ TEST(MainWindowMovie, PlayPauseAndStopFromTheMenu)
     const auto openPopup = [&] {
         mouse(&movies.player(), QEvent::MouseButtonPress, Qt::RightButton, {30, 30}, &frmMain::MediaPlayer1_MouseDown,
               window);
-        window.SFPOPUP->hide();
+        ui(window).SFPOPUP->hide();
     };
     openPopup();
-    window.mnuPlay->trigger();
+    ui(window).mnuPlay->trigger();
     EXPECT_EQ(movies.player().PlayState(), MoviePlayer::Playing);
     openPopup();
-    EXPECT_TRUE(window.mnuStop->isEnabled());
-    window.mnuPlay->trigger(); // the item toggles
+    EXPECT_TRUE(ui(window).mnuStop->isEnabled());
+    ui(window).mnuPlay->trigger(); // the item toggles
     EXPECT_EQ(movies.player().PlayState(), MoviePlayer::Paused);
     openPopup();
-    window.mnuStop->trigger();
+    ui(window).mnuStop->trigger();
     EXPECT_EQ(movies.player().PlayState(), MoviePlayer::Stopped);
     EXPECT_EQ(movies.player().CurrentPosition(), 0);
     openPopup();
-    EXPECT_FALSE(window.mnuStop->isEnabled());
-    EXPECT_TRUE(window.mnuPlay->isEnabled());
+    EXPECT_FALSE(ui(window).mnuStop->isEnabled());
+    EXPECT_TRUE(ui(window).mnuPlay->isEnabled());
 }
 
 TEST(MainWindowMovie, RefreshContinuesWhereTheMovieWas)
@@ -135,12 +136,12 @@ TEST(MainWindowMovie, MovieDeletedAfterTheListWasReadIsNotOpened)
     movies.fixture.makeFiles(movies.folder, {"gone.avi"});
     movies.window().cmdRefr_Click();
     ASSERT_TRUE(QFile::remove(movies.folder + "/gone.avi"));
-    movies.window().ChkCicle->setChecked(true);
+    ui(movies.window()).ChkCicle->setChecked(true);
     movies.window().Mostra_Image(false, "gone.avi");
     EXPECT_TRUE(movies.fixture.context->MainMovieLoaded());
     EXPECT_TRUE(movies.player().FileName().isEmpty());
     EXPECT_FALSE(movies.player().hasEngine());
-    EXPECT_FALSE(movies.window().TimerImage->isActive()) << "the slideshow stops at a vanished movie";
+    EXPECT_FALSE(ui(movies.window()).TimerImage->isActive()) << "the slideshow stops at a vanished movie";
     EXPECT_TRUE(movies.fixture.prompts.asked.isEmpty());
 }
 
@@ -257,40 +258,40 @@ TEST(MainWindowMovie, PopupIsBuiltForTheDisplaySize)
     };
     // No file in the player: no menu.
     rightPress();
-    EXPECT_FALSE(window.SFPOPUP->isVisible());
+    EXPECT_FALSE(ui(window).SFPOPUP->isVisible());
 
     ASSERT_TRUE(movies.showMovie());
-    const QList<QAction *> windowedOnly{window.mnuSave, window.mnuPrint, window.mnuGrab, window.mnuWall,
-                                        window.SFDelete, window.mnufit, window.mnuZoom->menuAction()};
+    const QList<QAction *> windowedOnly{ui(window).mnuSave, ui(window).mnuPrint, ui(window).mnuGrab, ui(window).mnuWall,
+                                        ui(window).SFDelete, ui(window).mnufit, ui(window).mnuZoom->menuAction()};
     rightPress();
-    ASSERT_TRUE(window.SFPOPUP->isVisible());
-    EXPECT_EQ(window.SFPOPUP->defaultAction(), window.mnuFullScreen);
-    EXPECT_EQ(window.mnuFullScreen->text(), "Full Screen");
-    EXPECT_TRUE(window.mnuPlay->isVisible());
-    EXPECT_FALSE(window.mnuAnim->isVisible());
-    EXPECT_FALSE(window.mnuStop->isEnabled()) << "stopped: nothing to stop";
+    ASSERT_TRUE(ui(window).SFPOPUP->isVisible());
+    EXPECT_EQ(ui(window).SFPOPUP->defaultAction(), ui(window).mnuFullScreen);
+    EXPECT_EQ(ui(window).mnuFullScreen->text(), "Full Screen");
+    EXPECT_TRUE(ui(window).mnuPlay->isVisible());
+    EXPECT_FALSE(ui(window).mnuAnim->isVisible());
+    EXPECT_FALSE(ui(window).mnuStop->isEnabled()) << "stopped: nothing to stop";
     for (QAction *item : windowedOnly)
         EXPECT_TRUE(item->isVisible()) << item->objectName().toStdString();
-    window.SFPOPUP->hide();
+    ui(window).SFPOPUP->hide();
 
     window.mnuFullScreen_Click();
     window.mnuPlay_Click();
     rightPress();
-    ASSERT_TRUE(window.SFPOPUP->isVisible());
-    EXPECT_EQ(window.mnuFullScreen->text(), "Restore");
-    EXPECT_TRUE(window.mnuStop->isEnabled());
+    ASSERT_TRUE(ui(window).SFPOPUP->isVisible());
+    EXPECT_EQ(ui(window).mnuFullScreen->text(), "Restore");
+    EXPECT_TRUE(ui(window).mnuStop->isEnabled());
     for (QAction *item : windowedOnly)
         EXPECT_FALSE(item->isVisible()) << item->objectName().toStdString();
-    window.SFPOPUP->hide();
-    window.mnuFullScreen->trigger();
+    ui(window).SFPOPUP->hide();
+    ui(window).mnuFullScreen->trigger();
     EXPECT_NE(player.DisplaySize(), MoviePlayer::FullScreen);
 
     // Over a crop rectangle the crop menu comes instead.
     window.cmdRitaglia_Click();
     rightPress();
-    EXPECT_FALSE(window.SFPOPUP->isVisible());
-    EXPECT_TRUE(window.SFCrop->isVisible());
-    window.SFCrop->hide();
+    EXPECT_FALSE(ui(window).SFPOPUP->isVisible());
+    EXPECT_TRUE(ui(window).SFCrop->isVisible());
+    ui(window).SFCrop->hide();
 }
 
 TEST(MainWindowMovie, CropRectangleOverAMovieStopsItAndFreesThePlayerAfter)
@@ -309,9 +310,9 @@ TEST(MainWindowMovie, CropRectangleOverAMovieStopsItAndFreesThePlayerAfter)
     mouse(&player, QEvent::MouseMove, Qt::NoButton, {90, 70}, &frmMain::MediaPlayer1_MouseMove, window);
     mouse(&player, QEvent::MouseButtonRelease, Qt::LeftButton, {90, 70}, &frmMain::MediaPlayer1_MouseUp, window);
     EXPECT_TRUE(movies.fixture.window().cropSelectionActive());
-    EXPECT_TRUE(window.LabMis->isVisible());
-    EXPECT_TRUE(window.SelLines[1]->isVisible());
-    EXPECT_NEAR(window.SelLines[1]->width(), 80, 2);
+    EXPECT_TRUE(ui(window).LabMis->isVisible());
+    EXPECT_TRUE(ui(window).SelLines[1]->isVisible());
+    EXPECT_NEAR(ui(window).SelLines[1]->width(), 80, 2);
     window.ClearCropSelection();
     EXPECT_TRUE(player.contextMenuEnabled());
     EXPECT_EQ(player.videoCursor(), Qt::ArrowCursor);
@@ -328,37 +329,37 @@ TEST(MainWindowAnimation, CheckBoxSwitchesBetweenAnimationAndStillPicture)
     fixture.settings().write("UserDef", "Language", "EN");
     fixture.settings().write("UserDef", "swAnim", "0");
     frmMain &window = fixture.start(folder + "/a.jpg");
-    window.chkAnim->setChecked(false);
+    ui(window).chkAnim->setChecked(false);
     fixture.state->AnimateGifs = false;
 
     // Ticking it over a JPEG changes nothing that shows.
-    window.chkAnim->click();
+    ui(window).chkAnim->click();
     EXPECT_TRUE(fixture.state->AnimateGifs);
-    EXPECT_TRUE(window.ImgEgg->isVisible());
-    EXPECT_FALSE(window.WebBrowser1->isVisible());
+    EXPECT_TRUE(ui(window).ImgEgg->isVisible());
+    EXPECT_FALSE(ui(window).WebBrowser1->isVisible());
 
     window.Mostra_Image(false, "moving.gif");
-    EXPECT_TRUE(window.WebBrowser1->isVisible());
-    EXPECT_FALSE(window.ImgEgg->isVisible());
-    ASSERT_GT(window.WebBrowser1->frameCount(), 1);
-    const int first = window.WebBrowser1->currentFrame();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return window.WebBrowser1->currentFrame() != first; }, 3000))
+    EXPECT_TRUE(ui(window).WebBrowser1->isVisible());
+    EXPECT_FALSE(ui(window).ImgEgg->isVisible());
+    ASSERT_GT(ui(window).WebBrowser1->frameCount(), 1);
+    const int first = ui(window).WebBrowser1->currentFrame();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ui(window).WebBrowser1->currentFrame() != first; }, 3000))
         << "the animation runs";
 
-    window.mnuAnim->trigger(); // flips the box
-    EXPECT_FALSE(window.chkAnim->isChecked());
+    ui(window).mnuAnim->trigger(); // flips the box
+    EXPECT_FALSE(ui(window).chkAnim->isChecked());
     EXPECT_FALSE(fixture.state->AnimateGifs);
-    EXPECT_FALSE(window.WebBrowser1->isVisible());
-    EXPECT_TRUE(window.ImgEgg->isVisible());
+    EXPECT_FALSE(ui(window).WebBrowser1->isVisible());
+    EXPECT_TRUE(ui(window).ImgEgg->isVisible());
 
-    window.chkAnim->click();
-    EXPECT_TRUE(window.WebBrowser1->isVisible());
-    EXPECT_FALSE(window.ImgEgg->isVisible());
+    ui(window).chkAnim->click();
+    EXPECT_TRUE(ui(window).WebBrowser1->isVisible());
+    EXPECT_FALSE(ui(window).ImgEgg->isVisible());
 
     // Another file empties the animation view.
     window.Mostra_Image(false, "a.jpg");
-    EXPECT_FALSE(window.WebBrowser1->isVisible());
-    EXPECT_TRUE(window.WebBrowser1->isEmpty());
+    EXPECT_FALSE(ui(window).WebBrowser1->isVisible());
+    EXPECT_TRUE(ui(window).WebBrowser1->isEmpty());
 }
 
 // ---------------------------------------------------------------- corpus
@@ -386,10 +387,10 @@ TEST_P(MainWindowCorpusMovie, PlaysAndShowsAFrame)
     fixture.makeFiles(folder, {"a.bmp"});
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/a.bmp");
-    window.ChkAuto->setChecked(true);
+    ui(window).ChkAuto->setChecked(true);
     window.Mostra_Image(false, QStringLiteral(VIMORA_CORPUS_DIR "/") + GetParam(), true);
     EXPECT_TRUE(fixture.context->MainMovieLoaded());
-    MoviePlayer &player = *window.MediaPlayer1;
+    MoviePlayer &player = *ui(window).MediaPlayer1;
     EXPECT_TRUE(QTest::qWaitFor([&] { return player.PlayState() == MoviePlayer::Playing; }, OpenTimeoutMs));
     EXPECT_TRUE(QTest::qWaitFor([&] { return notBlank(player.currentFrame()); }, OpenTimeoutMs));
     EXPECT_TRUE(fixture.prompts.asked.isEmpty());
@@ -410,8 +411,8 @@ TEST(MainWindowMovie, FitActualSizeAndZoomActOnAMovieAndTheZoomLabelTellsItsScal
     window.resize(1000, 800);
     ASSERT_TRUE(movies.showMovie());
     // Actual size, the mode a new window starts in: the movie at its own size.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return window.LabZoom->text() == " 100% "; }, OpenTimeoutMs))
-        << window.LabZoom->text().toStdString();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ui(window).LabZoom->text() == " 100% "; }, OpenTimeoutMs))
+        << ui(window).LabZoom->text().toStdString();
     EXPECT_EQ(player.DisplaySize(), MoviePlayer::NormalSize);
 
     // Fit: enlarged to the area, and the label says by how much.
@@ -419,15 +420,15 @@ TEST(MainWindowMovie, FitActualSizeAndZoomActOnAMovieAndTheZoomLabelTellsItsScal
     const QRect drawn = MoviePlayer::videoFrameRect(player.naturalSize(), player.videoArea(), player.DisplaySize());
     const int fitted = qRound(100.0 * drawn.width() / TestClips::Width);
     EXPECT_GT(fitted, 200);
-    EXPECT_EQ(window.LabZoom->text(), ViewRules::zoomLabel(fitted));
+    EXPECT_EQ(ui(window).LabZoom->text(), ViewRules::zoomLabel(fitted));
 
     // Zoom -: smaller than the fit, and the player shrinks with it.
-    window.cmdReduce->click();
-    EXPECT_EQ(window.LabZoom->text(), ViewRules::zoomLabel(85));
+    ui(window).cmdReduce->click();
+    EXPECT_EQ(ui(window).LabZoom->text(), ViewRules::zoomLabel(85));
     EXPECT_EQ(player.videoArea().width(), qRound(TestClips::Width * 0.85));
 
     QTest::keyClick(&window, Qt::Key_L, Qt::AltModifier);
-    EXPECT_EQ(window.LabZoom->text(), " 100% ");
+    EXPECT_EQ(ui(window).LabZoom->text(), " 100% ");
 
     // Fit chosen while the movie is full screen leaves full screen first.
     window.mnuFullScreen_Click();
@@ -435,5 +436,5 @@ TEST(MainWindowMovie, FitActualSizeAndZoomActOnAMovieAndTheZoomLabelTellsItsScal
     window.mnufit_Click();
     EXPECT_NE(player.DisplaySize(), MoviePlayer::FullScreen);
     EXPECT_TRUE(window.isVisible());
-    EXPECT_EQ(window.LabZoom->text(), ViewRules::zoomLabel(fitted));
+    EXPECT_EQ(ui(window).LabZoom->text(), ViewRules::zoomLabel(fitted));
 }

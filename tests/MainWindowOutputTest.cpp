@@ -1,4 +1,5 @@
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 #include "support/TestClips.h"
 
 #include "output/PictureOutput.h"
@@ -32,12 +33,12 @@ QString pictureIn(MainWindowFixture &fixture, const QString &folder, const QStri
 // A drag over the picture, as the crop test makes it, from pixel to pixel.
 void selectArea(frmMain &window, QPoint from, QPoint to)
 {
-    window.cmdRitaglia->click();
-    QTest::mousePress(window.ImgEgg, Qt::LeftButton, {}, from);
-    QMouseEvent move(QEvent::MouseMove, QPointF(to), window.ImgEgg->mapToGlobal(QPointF(to)), Qt::NoButton,
+    ui(window).cmdRitaglia->click();
+    QTest::mousePress(ui(window).ImgEgg, Qt::LeftButton, {}, from);
+    QMouseEvent move(QEvent::MouseMove, QPointF(to), ui(window).ImgEgg->mapToGlobal(QPointF(to)), Qt::NoButton,
                      Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window.ImgEgg, &move);
-    QTest::mouseRelease(window.ImgEgg, Qt::LeftButton, {}, to);
+    QCoreApplication::sendEvent(ui(window).ImgEgg, &move);
+    QTest::mouseRelease(ui(window).ImgEgg, Qt::LeftButton, {}, to);
 }
 
 // Colour bars: several bright hues; a blank frame has one at most.
@@ -69,27 +70,27 @@ TEST(MainWindowOutput, CopyIntoTheBrowsedFolderAppearsInTheList)
     fixture.settings().write("UserDef", "savDir", folder);
     frmMain &window = fixture.start(folder + "/b.bmp");
     QSignalSpy written(&window, &frmMain::outputWrittenIntoFolder);
-    ASSERT_TRUE(window.cmdSave->isEnabled());
+    ASSERT_TRUE(ui(window).cmdSave->isEnabled());
 
     fixture.prompts.files = {ScriptedPrompts::AcceptProposed};
-    window.cmdSave->click();
+    ui(window).cmdSave->click();
     ASSERT_EQ(fixture.prompts.fileRequests.size(), 1);
     EXPECT_EQ(fixture.prompts.fileRequests[0].fileName, "Copy of b.bmp");
     EXPECT_EQ(fixture.prompts.fileRequests[0].title, "Make a Copy of current file ");
     EXPECT_TRUE(QFile::exists(folder + "/Copy of b.bmp"));
     EXPECT_TRUE(fixture.context->FileNames().contains("Copy of b.bmp"));
     EXPECT_EQ(fixture.context->CurrentFileName(), "b.bmp");
-    EXPECT_EQ(window.LabNum->text(), " 2/3 ");
+    EXPECT_EQ(ui(window).LabNum->text(), " 2/3 ");
     EXPECT_EQ(written.count(), 1);
 
     // Into another folder: that folder is proposed next time, by the plain name.
     const QString other = fixture.makeFolder("elsewhere");
     fixture.prompts.files = {other + "/b.bmp"};
-    window.cmdSave->click();
+    ui(window).cmdSave->click();
     EXPECT_TRUE(QFile::exists(other + "/b.bmp"));
     EXPECT_EQ(fixture.state->SaveFolder, other);
     fixture.prompts.files = {};
-    window.cmdSave->click();
+    ui(window).cmdSave->click();
     EXPECT_EQ(fixture.prompts.fileRequests.last().fileName, "b.bmp");
     EXPECT_EQ(fixture.prompts.fileRequests.last().folder, other);
     EXPECT_EQ(written.count(), 1);
@@ -107,11 +108,11 @@ TEST(MainWindowOutput, AreaIsSavedNumberedAtTheSelectionsSize)
     frmMain &window = fixture.start(path);
     window.resize(1000, 800);
     QCoreApplication::processEvents();
-    ASSERT_EQ(window.ImgEgg->size(), QSize(600, 400));
+    ASSERT_EQ(ui(window).ImgEgg->size(), QSize(600, 400));
     selectArea(window, {400, 300}, {100, 100}); // drawn backwards
 
     fixture.prompts.files = {folder + "/photo_[a8].bmp"};
-    window.mnuCropSave->trigger();
+    ui(window).mnuCropSave->trigger();
     ASSERT_EQ(fixture.prompts.fileRequests.size(), 1);
     EXPECT_EQ(fixture.prompts.fileRequests[0].fileName, "photo_[a8].bmp");
     EXPECT_EQ(fixture.prompts.fileRequests[0].filters, QStringList({"Bitmap (*.bmp)", "All Files (*)"}));
@@ -123,7 +124,7 @@ TEST(MainWindowOutput, AreaIsSavedNumberedAtTheSelectionsSize)
     for (QPoint at : {QPoint(0, 0), QPoint(299, 199), QPoint(150, 100)})
         EXPECT_EQ(saved.pixelColor(at), QColor(20, 140, 220)) << at.x() << "," << at.y();
     EXPECT_TRUE(fixture.window().cropSelectionActive());
-    EXPECT_TRUE(window.SelLines[0]->isVisible());
+    EXPECT_TRUE(ui(window).SelLines[0]->isVisible());
     EXPECT_TRUE(fixture.context->FileNames().contains("photo_[a8].bmp"));
     EXPECT_EQ(fixture.state->OutputFolder, folder);
 
@@ -131,15 +132,15 @@ TEST(MainWindowOutput, AreaIsSavedNumberedAtTheSelectionsSize)
     // dialog still opens in the save folder.
     const QString other = fixture.makeFolder("other");
     fixture.prompts.files = {other + "/photo_[a3].bmp", QString()};
-    window.mnuCropSave->trigger();
+    ui(window).mnuCropSave->trigger();
     EXPECT_EQ(fixture.state->OutputFolder, other);
-    window.mnuCropSave->trigger();
+    ui(window).mnuCropSave->trigger();
     EXPECT_EQ(fixture.prompts.fileRequests.last().fileName, "photo_[a4].bmp");
     EXPECT_EQ(fixture.prompts.fileRequests.last().folder, fixture.state->SaveFolder);
     EXPECT_NE(fixture.state->SaveFolder, other);
 
     // The area to the clipboard is the same rectangle.
-    window.mnuCropClip->trigger();
+    ui(window).mnuCropClip->trigger();
     EXPECT_EQ(QGuiApplication::clipboard()->image().size(), QSize(300, 200));
 }
 
@@ -150,9 +151,9 @@ TEST(MainWindowOutput, ClipboardGetsThePictureAtItsStoredSize)
     const QString path = pictureIn(fixture, "clip", "large.jpg", {2400, 1800}, QColor(200, 60, 40));
     frmMain &window = fixture.start(path);
     window.resize(900, 700);
-    window.Option1[0]->setChecked(true); // fit: decoded and shown smaller
+    ui(window).Option1[0]->setChecked(true); // fit: decoded and shown smaller
     QCoreApplication::processEvents();
-    ASSERT_LT(window.ImgEgg->width(), 2400); // fitted, smaller than stored
+    ASSERT_LT(ui(window).ImgEgg->width(), 2400); // fitted, smaller than stored
     QGuiApplication::clipboard()->clear();
 
     QTest::keyClick(&window, Qt::Key_C, Qt::ControlModifier);
@@ -162,18 +163,18 @@ TEST(MainWindowOutput, ClipboardGetsThePictureAtItsStoredSize)
     ASSERT_NE(offered, nullptr);
     ASSERT_TRUE(offered->hasFormat("image/png"));
     EXPECT_EQ(QImage::fromData(offered->data("image/png"), "PNG").size(), QSize(2400, 1800));
-    EXPECT_TRUE(window.cmdClip->isEnabled());
-    EXPECT_TRUE(window.cmdPrint->isEnabled());
-    EXPECT_FALSE(window.cmdGrab->isEnabled()); // no movie, no frame
+    EXPECT_TRUE(ui(window).cmdClip->isEnabled());
+    EXPECT_TRUE(ui(window).cmdPrint->isEnabled());
+    EXPECT_FALSE(ui(window).cmdGrab->isEnabled()); // no movie, no frame
 
     // An icon goes as shown on the screen, here at twice its size.
     window.Mostra_Image(false, QStringLiteral(VIMORA_BUILT_DATA_DIR "/sample.ico"), true);
     ASSERT_EQ(fixture.context->FileTypeCode(), "ICO");
     window.ZoomTo(200);
     QCoreApplication::processEvents();
-    ASSERT_EQ(window.ImgEgg->size(), window.ImgEgg->naturalSize() * 2);
-    window.cmdClip->click();
-    EXPECT_EQ(QGuiApplication::clipboard()->image().size(), window.ImgEgg->size());
+    ASSERT_EQ(ui(window).ImgEgg->size(), ui(window).ImgEgg->naturalSize() * 2);
+    ui(window).cmdClip->click();
+    EXPECT_EQ(QGuiApplication::clipboard()->image().size(), ui(window).ImgEgg->size());
 }
 
 TEST(MainWindowOutput, TwoGrabsOfAMovieAreNumberedAndPlaybackGoesOn)
@@ -187,15 +188,15 @@ TEST(MainWindowOutput, TwoGrabsOfAMovieAreNumberedAndPlaybackGoesOn)
     const QString folder = fixture.makeFolder("movie");
     ASSERT_TRUE(QFile::copy(made, folder + "/clip.avi"));
     frmMain &window = fixture.start(folder + "/clip.avi"); // a command line plays at once
-    MoviePlayer &player = *window.MediaPlayer1;
+    MoviePlayer &player = *ui(window).MediaPlayer1;
     ASSERT_TRUE(QTest::qWaitFor([&] { return player.PlayState() == MoviePlayer::Playing; }, OpenTimeoutMs));
-    EXPECT_TRUE(window.cmdGrab->isEnabled());
+    EXPECT_TRUE(ui(window).cmdGrab->isEnabled());
 
     fixture.prompts.files = {ScriptedPrompts::AcceptProposed, ScriptedPrompts::AcceptProposed};
-    window.cmdGrab->click();
+    ui(window).cmdGrab->click();
     EXPECT_EQ(player.PlayState(), MoviePlayer::Playing);
     player.Pause();
-    window.cmdGrab->click();
+    ui(window).cmdGrab->click();
     EXPECT_EQ(player.PlayState(), MoviePlayer::Paused);
     EXPECT_TRUE(player.controlBarShown());
 
@@ -209,15 +210,15 @@ TEST(MainWindowOutput, TwoGrabsOfAMovieAreNumberedAndPlaybackGoesOn)
         EXPECT_GE(brightHues(frame), 4) << name;
     }
     EXPECT_TRUE(fixture.context->FileNames().contains("clip_(2).bmp"));
-    EXPECT_TRUE(window.cmdGrab->isEnabled());
+    EXPECT_TRUE(ui(window).cmdGrab->isEnabled());
     EXPECT_EQ(fixture.context->CurrentFileName(), "clip.avi");
 
     // Printing the frame pauses the movie for the dialog only when it played.
     fixture.prompts.printers = {{true, folder + "/paused.pdf", 1}, {true, folder + "/playing.pdf", 1}};
-    window.cmdPrint->click();
+    ui(window).cmdPrint->click();
     EXPECT_EQ(player.PlayState(), MoviePlayer::Paused);
     player.Play();
-    window.cmdPrint->click();
+    ui(window).cmdPrint->click();
     EXPECT_EQ(player.PlayState(), MoviePlayer::Playing);
     EXPECT_GT(QFileInfo(folder + "/paused.pdf").size(), 0);
     EXPECT_GT(QFileInfo(folder + "/playing.pdf").size(), 0);
@@ -233,14 +234,14 @@ TEST(MainWindowOutput, PrintsToAPdfAtNaturalSizeWithCopies)
     const QString path = pictureIn(fixture, "print", "red.bmp", {192, 96}, Qt::red); // 2 x 1 inch at 96 dpi
     const QString out = fixture.makeFolder("pdf");
     frmMain &window = fixture.start(path);
-    window.ChkCicle->setChecked(true);
+    ui(window).ChkCicle->setChecked(true);
 
     fixture.prompts.printers = {{true, out + "/one.pdf", 1}, {true, out + "/three.pdf", 3}, {false, {}, 1}};
-    window.cmdPrint->click();
-    EXPECT_TRUE(window.TimerImage->isActive()); // the slideshow goes on
-    window.ChkCicle->setChecked(false);
-    window.cmdPrint->click();
-    window.cmdPrint->click(); // cancelled: nothing printed, nothing said
+    ui(window).cmdPrint->click();
+    EXPECT_TRUE(ui(window).TimerImage->isActive()); // the slideshow goes on
+    ui(window).ChkCicle->setChecked(false);
+    ui(window).cmdPrint->click();
+    ui(window).cmdPrint->click(); // cancelled: nothing printed, nothing said
     EXPECT_TRUE(fixture.prompts.asked.isEmpty());
     EXPECT_FALSE(fixture.prompts.printRequests.at(0).selectionAllowed);
 
@@ -274,11 +275,11 @@ TEST(MainWindowOutput, WallpaperGoesToTheDesktopsSetterAndTheScratchFileGoes)
     const QString jpeg = pictureIn(fixture, "wall", "sky.jpg", {320, 200}, QColor(40, 90, 200));
     const QString bitmap = pictureIn(fixture, "wall", "plain.bmp", {64, 32}, Qt::green);
     frmMain &window = fixture.start(jpeg);
-    window.ChkCicle->setChecked(true);
+    ui(window).ChkCicle->setChecked(true);
 
-    window.mnuWall->trigger();
+    ui(window).mnuWall->trigger();
     EXPECT_FALSE(QFile::exists(PictureOutput::TempBitmapPath()));
-    EXPECT_TRUE(window.TimerImage->isActive());
+    EXPECT_TRUE(ui(window).TimerImage->isActive());
     ASSERT_FALSE(fixture.launcher.started.isEmpty());
     const auto &first = fixture.launcher.started.first();
     EXPECT_EQ(first.first, "gsettings");
@@ -292,9 +293,9 @@ TEST(MainWindowOutput, WallpaperGoesToTheDesktopsSetterAndTheScratchFileGoes)
 
     // A bitmap is kept as it is; the older wallpaper file goes.
     fixture.launcher.started.clear();
-    window.ChkCicle->setChecked(false);
+    ui(window).ChkCicle->setChecked(false);
     window.Mostra_Image(false, bitmap, true);
-    window.mnuWall->trigger();
+    ui(window).mnuWall->trigger();
     ASSERT_FALSE(fixture.launcher.started.isEmpty());
     const QString second = QUrl(fixture.launcher.started.first().second[3]).toLocalFile();
     QFile original(bitmap), copy(second);
@@ -303,7 +304,7 @@ TEST(MainWindowOutput, WallpaperGoesToTheDesktopsSetterAndTheScratchFileGoes)
     EXPECT_FALSE(QFile::exists(kept));
 
     fixture.launcher.started.clear();
-    window.mnuRemoveWall->trigger();
+    ui(window).mnuRemoveWall->trigger();
     ASSERT_EQ(fixture.launcher.started.size(), 1);
     EXPECT_EQ(fixture.launcher.started[0].second,
               QStringList({"set", "org.gnome.desktop.background", "picture-options", "none"}));
@@ -316,7 +317,7 @@ TEST(MainWindowOutput, ADesktopWithoutRemovalSaysSo)
     MainWindowFixture fixture;
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(pictureIn(fixture, "kde", "a.bmp", {32, 32}, Qt::blue));
-    window.mnuRemoveWall->trigger();
+    ui(window).mnuRemoveWall->trigger();
     EXPECT_TRUE(fixture.launcher.started.isEmpty());
     ASSERT_EQ(fixture.prompts.asked.size(), 1);
     EXPECT_EQ(fixture.prompts.asked[0].text, "This desktop offers no way to remove the wallpaper.");
@@ -338,5 +339,5 @@ TEST(MainWindowOutput, SlidesArePrintedByTheirOwnProgramNeverDrawn)
     const bool office = !QStandardPaths::findExecutable("libreoffice").isEmpty()
         || !QStandardPaths::findExecutable("soffice").isEmpty();
     EXPECT_EQ(fixture.prompts.asked.size(), office ? 0 : 1);
-    EXPECT_TRUE(window.cmdPrint->isEnabled());
+    EXPECT_TRUE(ui(window).cmdPrint->isEnabled());
 }

@@ -1,4 +1,5 @@
 #include "files/frmList.h"
+#include "support/WindowProbe.h"
 #include "index/frmIndex.h"
 #include "support/MainWindowFixture.h"
 
@@ -34,7 +35,7 @@ struct MainWindowUndo : ::testing::Test {
     {
         EXPECT_EQ(fixture.context->FileNames(), QStringList({"a.bmp", "b.bmp", "c.bmp"}));
         EXPECT_EQ(window.windowTitle(), " b.bmp  - Vimora ");
-        EXPECT_EQ(window.LabNum->text().trimmed(), "2/3");
+        EXPECT_EQ(ui(window).LabNum->text().trimmed(), "2/3");
         EXPECT_EQ(window.favourites().entries(), QStringList{folder + "/b.bmp"});
     }
 };
@@ -107,36 +108,36 @@ TEST_F(MainWindowUndo, AFileThatTookTheOldNameStaysUnlessTheUserSaysReplace)
 TEST_F(MainWindowUndo, ThePopupsOfferUndoOnceThereIsAChore)
 {
     frmMain &window = start();
-    emit window.SFPOPUP->aboutToShow();
-    EXPECT_FALSE(window.mnuUndo->isEnabled());
-    EXPECT_EQ(window.mnuUndo->text(), "Undo");
+    emit ui(window).SFPOPUP->aboutToShow();
+    EXPECT_FALSE(ui(window).mnuUndo->isEnabled());
+    EXPECT_EQ(ui(window).mnuUndo->text(), "Undo");
 
     // A deletion in the favourites window, put back from its own popup.
     frmList &list = window.favourites();
     fixture.prompts.answers = {PromptAnswer::Yes};
-    list.cmdDel->setEnabled(true);
-    list.ListImage->item(0)->setSelected(true);
-    list.cmdDel->click();
+    ui(list).cmdDel->setEnabled(true);
+    ui(list).ListImage->item(0)->setSelected(true);
+    ui(list).cmdDel->click();
     ASSERT_FALSE(QFileInfo::exists(folder + "/b.bmp"));
-    emit window.SFPOPUP->aboutToShow();
-    EXPECT_TRUE(window.mnuUndo->isEnabled());
-    emit list.SFPOPUP->aboutToShow();
-    ASSERT_TRUE(list.mnuUndo->isEnabled());
-    EXPECT_EQ(list.mnuUndo->text(), "Undo");
-    list.mnuUndo->trigger();
+    emit ui(window).SFPOPUP->aboutToShow();
+    EXPECT_TRUE(ui(window).mnuUndo->isEnabled());
+    emit ui(list).SFPOPUP->aboutToShow();
+    ASSERT_TRUE(ui(list).mnuUndo->isEnabled());
+    EXPECT_EQ(ui(list).mnuUndo->text(), "Undo");
+    ui(list).mnuUndo->trigger();
     EXPECT_TRUE(QFileInfo::exists(folder + "/b.bmp"));
     expectBShownAsBefore(window);
 
     // A deletion in the thumbnail index, put back by Ctrl+Z there.
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     frmIndex &index = *window.indexWindow();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 20000));
     fixture.prompts.answers = {PromptAnswer::Yes};
     index.onDelete(folder + "/a.bmp");
     ASSERT_FALSE(QFileInfo::exists(folder + "/a.bmp"));
-    emit index.SFPOPUP->aboutToShow();
-    EXPECT_TRUE(index.mnuUndo->isEnabled());
-    EXPECT_EQ(index.mnuUndo->text(), "Undo");
+    emit ui(index).SFPOPUP->aboutToShow();
+    EXPECT_TRUE(ui(index).mnuUndo->isEnabled());
+    EXPECT_EQ(ui(index).mnuUndo->text(), "Undo");
     QTest::keyClick(&index, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_TRUE(QFileInfo::exists(folder + "/a.bmp"));
     EXPECT_TRUE(QTest::qWaitFor(
@@ -146,14 +147,14 @@ TEST_F(MainWindowUndo, ThePopupsOfferUndoOnceThereIsAChore)
 TEST_F(MainWindowUndo, TheUndoEntriesSpeakTheUsersLanguage)
 {
     frmMain &window = start();
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     frmIndex &index = *window.indexWindow();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 20000));
     for (const auto &[language, text] : {std::pair{"IT", "Annulla"}, std::pair{"EN", "Undo"}}) {
         fixture.prompts.languages = {language};
         QTest::keyClick(&window, Qt::Key_F2);
-        EXPECT_EQ(window.mnuUndo->text(), text) << language;
-        EXPECT_EQ(window.favourites().mnuUndo->text(), text) << language;
-        EXPECT_EQ(index.mnuUndo->text(), text) << language;
+        EXPECT_EQ(ui(window).mnuUndo->text(), text) << language;
+        EXPECT_EQ(ui(window.favourites()).mnuUndo->text(), text) << language;
+        EXPECT_EQ(ui(index).mnuUndo->text(), text) << language;
     }
 }

@@ -1,4 +1,5 @@
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include "viewer/DroppedFile.h"
 
@@ -35,14 +36,14 @@ TEST(MainWindowNavigation, NextOnTheLastFileWrapsOnlyInASlideshow)
     QTest::keyClick(&window, Qt::Key_PageDown);
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " c.bmp  - Vimora "; }, 5000));
 
-    window.ChkCicle->setChecked(true);
+    ui(window).ChkCicle->setChecked(true);
     window.cmdNext_Click();
     EXPECT_EQ(window.windowTitle(), " a.bmp  - Vimora ");
     window.cmdBack_Click(); // no wrap backwards
     EXPECT_EQ(window.windowTitle(), " a.bmp  - Vimora ");
     // Space with the slideshow on stops it instead of moving.
     QTest::keyClick(&window, Qt::Key_Space);
-    EXPECT_FALSE(window.ChkCicle->isChecked());
+    EXPECT_FALSE(ui(window).ChkCicle->isChecked());
     EXPECT_FALSE(fixture.state->SlideshowOn);
     EXPECT_EQ(window.windowTitle(), " a.bmp  - Vimora ");
 }
@@ -54,10 +55,10 @@ TEST(MainWindowNavigation, SpaceWithOneFileShowsNothingNew)
     fixture.makeFiles(folder, {"only.bmp"});
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/only.bmp");
-    EXPECT_FALSE(window.cmdNext->isEnabled());
-    EXPECT_FALSE(window.cmdBack->isEnabled());
+    EXPECT_FALSE(ui(window).cmdNext->isEnabled());
+    EXPECT_FALSE(ui(window).cmdBack->isEnabled());
     QTest::keyClick(&window, Qt::Key_Space);
-    EXPECT_EQ(window.LabNum->text(), " 1/1 ");
+    EXPECT_EQ(ui(window).LabNum->text(), " 1/1 ");
 }
 
 TEST(MainWindowNavigation, SlideshowAdvancesOnItsTimer)
@@ -68,16 +69,16 @@ TEST(MainWindowNavigation, SlideshowAdvancesOnItsTimer)
     fixture.settings().write("UserDef", "Language", "EN");
     fixture.settings().write("UserDef", "xTime", "1");
     frmMain &window = fixture.start(folder + "/a.bmp");
-    window.HScroll1->setValue(1);
-    window.ChkCicle->setChecked(true);
+    ui(window).HScroll1->setValue(1);
+    ui(window).ChkCicle->setChecked(true);
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " b.bmp  - Vimora "; }, 3000));
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " a.bmp  - Vimora "; }, 3000));
 
     // Changing the interval with the slideshow off does not start it.
-    window.ChkCicle->setChecked(false);
-    window.HScroll1->setValue(7);
-    EXPECT_EQ(window.txtTime->text(), "7");
-    EXPECT_FALSE(window.TimerImage->isActive());
+    ui(window).ChkCicle->setChecked(false);
+    ui(window).HScroll1->setValue(7);
+    EXPECT_EQ(ui(window).txtTime->text(), "7");
+    EXPECT_FALSE(ui(window).TimerImage->isActive());
 }
 
 TEST(MainWindowDrop, FileFromTheSameFolderAndFromAnother)
@@ -89,17 +90,17 @@ TEST(MainWindowDrop, FileFromTheSameFolderAndFromAnother)
     fixture.makeFiles(there, {"x.bmp", QString::fromUtf8("ünïcödé.bmp")});
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(here + "/a.bmp");
-    window.CboType->setCurrentIndex(5); // BMP only
+    ui(window).CboType->setCurrentIndex(5); // BMP only
 
     QMimeData same;
     same.setUrls({QUrl::fromLocalFile(here + "/c.jpg")});
     dropOn(&window, same);
-    EXPECT_EQ(window.CboType->currentIndex(), 0); // back to All Supported
+    EXPECT_EQ(ui(window).CboType->currentIndex(), 0); // back to All Supported
     EXPECT_EQ(window.windowTitle(), " c.jpg  - Vimora ");
 
     QMimeData other;
     other.setUrls({QUrl::fromLocalFile(there + QString::fromUtf8("/ünïcödé.bmp"))});
-    dropOn(window.Frame1, other);
+    dropOn(ui(window).Frame1, other);
     EXPECT_EQ(fixture.context->CurrentFolder(), there);
     EXPECT_EQ(window.windowTitle(), QString::fromUtf8(" ünïcödé.bmp  - Vimora "));
     EXPECT_EQ(fixture.context->FileNames().size(), 2);
@@ -123,31 +124,31 @@ TEST(MainWindowCrop, DragFromRightToLeftGivesAPositiveRectangle)
     frmMain &window = fixture.start(fixture.makePicture(folder, "wide.bmp", {600, 400}));
     window.resize(1000, 800);
     QCoreApplication::processEvents();
-    ASSERT_EQ(window.ImgEgg->size(), QSize(600, 400));
+    ASSERT_EQ(ui(window).ImgEgg->size(), QSize(600, 400));
 
-    window.cmdRitaglia->click();
+    ui(window).cmdRitaglia->click();
     EXPECT_TRUE(fixture.window().cropSelectionActive());
-    QTest::mousePress(window.ImgEgg, Qt::LeftButton, {}, QPoint(400, 300));
-    QMouseEvent move(QEvent::MouseMove, QPointF(100, 100), window.ImgEgg->mapToGlobal(QPointF(100, 100)),
+    QTest::mousePress(ui(window).ImgEgg, Qt::LeftButton, {}, QPoint(400, 300));
+    QMouseEvent move(QEvent::MouseMove, QPointF(100, 100), ui(window).ImgEgg->mapToGlobal(QPointF(100, 100)),
                      Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window.ImgEgg, &move);
-    QTest::mouseRelease(window.ImgEgg, Qt::LeftButton, {}, QPoint(100, 100));
+    QCoreApplication::sendEvent(ui(window).ImgEgg, &move);
+    QTest::mouseRelease(ui(window).ImgEgg, Qt::LeftButton, {}, QPoint(100, 100));
 
     EXPECT_TRUE(fixture.window().cropSelectionActive());
-    EXPECT_TRUE(window.LabMis->isVisible());
+    EXPECT_TRUE(ui(window).LabMis->isVisible());
     // 300 x 200 pixels at 96 DPI: 79 x 53 mm.
-    EXPECT_EQ(window.LabMis->text(), " 79 x 53 mm ");
+    EXPECT_EQ(ui(window).LabMis->text(), " 79 x 53 mm ");
     EXPECT_EQ(window.selectionRect(), QRectF(1500, 1500, 4500, 3000));
-    for (QFrame *line : window.SelLines)
+    for (QFrame *line : ui(window).SelLines)
         EXPECT_TRUE(line->isVisible());
 
     // Esc drops it; a release 9 twips from the anchor keeps nothing.
     QTest::keyClick(&window, Qt::Key_Escape);
     EXPECT_FALSE(fixture.window().cropSelectionActive());
-    EXPECT_FALSE(window.LabMis->isVisible());
-    window.cmdRitaglia->click();
-    window.Clip_Punto_Inizio(window.ImgEgg, {1000, 1000});
-    window.Clip_Punto_Fine(window.ImgEgg, {1009, 1500});
+    EXPECT_FALSE(ui(window).LabMis->isVisible());
+    ui(window).cmdRitaglia->click();
+    window.Clip_Punto_Inizio(ui(window).ImgEgg, {1000, 1000});
+    window.Clip_Punto_Fine(ui(window).ImgEgg, {1009, 1500});
     EXPECT_FALSE(fixture.window().cropSelectionActive());
 }
 
@@ -157,10 +158,10 @@ TEST(MainWindowCrop, PressBesideThePictureSnapsToItsEdge)
     const QString folder = fixture.makeFolder("snap");
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(fixture.makePicture(folder, "small.bmp", {200, 150}));
-    window.cmdRitaglia->click();
-    const QPoint left = window.ImgEgg->geometry().topLeft() + QPoint(-30, 40);
+    ui(window).cmdRitaglia->click();
+    const QPoint left = ui(window).ImgEgg->geometry().topLeft() + QPoint(-30, 40);
     QTest::mousePress(&window, Qt::LeftButton, {}, left);
-    QTest::mouseRelease(&window, Qt::LeftButton, {}, window.ImgEgg->geometry().bottomRight() + QPoint(50, 50));
+    QTest::mouseRelease(&window, Qt::LeftButton, {}, ui(window).ImgEgg->geometry().bottomRight() + QPoint(50, 50));
     EXPECT_TRUE(fixture.window().cropSelectionActive());
     EXPECT_EQ(window.selectionRect().left(), 0);
     EXPECT_EQ(window.selectionRect().top(), 40 * 15);
@@ -173,17 +174,17 @@ TEST(MainWindowZoom, StepsAndModes)
     const QString folder = fixture.makeFolder("zoom");
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(fixture.makePicture(folder, "p.bmp", {400, 300}));
-    EXPECT_EQ(window.LabZoom->text(), " 100% ");
+    EXPECT_EQ(ui(window).LabZoom->text(), " 100% ");
     for (const char *expected : {" 115% ", " 132% ", " 152% "}) {
-        window.cmdExpand->click();
-        EXPECT_EQ(window.LabZoom->text(), expected);
+        ui(window).cmdExpand->click();
+        EXPECT_EQ(ui(window).LabZoom->text(), expected);
     }
-    EXPECT_EQ(window.ImgEgg->size(), QSize(608, 456));
+    EXPECT_EQ(ui(window).ImgEgg->size(), QSize(608, 456));
     window.mnuFull_Click();
-    window.cmdReduce->click();
-    window.cmdReduce->click();
-    EXPECT_EQ(window.LabZoom->text(), "  74% ");
+    ui(window).cmdReduce->click();
+    ui(window).cmdReduce->click();
+    EXPECT_EQ(ui(window).LabZoom->text(), "  74% ");
     QTest::keyClick(&window, Qt::Key_L, Qt::AltModifier);
-    EXPECT_EQ(window.LabZoom->text(), " 100% ");
-    EXPECT_EQ(window.ImgEgg->size(), QSize(400, 300));
+    EXPECT_EQ(ui(window).LabZoom->text(), " 100% ");
+    EXPECT_EQ(ui(window).ImgEgg->size(), QSize(400, 300));
 }

@@ -1,6 +1,7 @@
 // Each window's real popup, opened by a right click as a user opens it, for
 // each class of file, read entry by entry.
 #include "display/AnimationView.h"
+#include "support/WindowProbe.h"
 #include "files/frmList.h"
 #include "fullscreen/frmFull.h"
 #include "index/frmIndex.h"
@@ -93,17 +94,17 @@ struct Folder {
         if (!clip.isEmpty())
             QFile::copy(clip, folder + "/m.avi");
         fixture.start(folder + "/a.bmp");
-        window().chkAnim->setChecked(false);
-        window().ChkAuto->setChecked(false); // a movie waits stopped
+        ui(window()).chkAnim->setChecked(false);
+        ui(window()).ChkAuto->setChecked(false); // a movie waits stopped
     }
     frmMain &window() { return fixture.window(); }
-    MoviePlayer &player() { return *window().MediaPlayer1; }
+    MoviePlayer &player() { return *ui(window()).MediaPlayer1; }
     bool showMovie()
     {
         window().Mostra_Image(false, "m.avi");
         return QTest::qWaitFor([&] { return player().PlayState() != MoviePlayer::Closed; }, OpenTimeoutMs);
     }
-    QWidget *displayArea() { return window().ImgEgg; }
+    QWidget *displayArea() { return ui(window()).ImgEgg; }
 
     MainWindowFixture fixture;
     QString folder;
@@ -119,14 +120,14 @@ TEST(PopupEntries, MainWindowForAPictureAndAGif)
 {
     Folder files;
     frmMain &window = files.window();
-    EXPECT_EQ(rightClick(files.displayArea(), *window.SFPOPUP), PictureEntries);
+    EXPECT_EQ(rightClick(files.displayArea(), *ui(window).SFPOPUP), PictureEntries);
 
     window.Mostra_Image(false, "b.gif");
-    EXPECT_EQ(rightClick(files.displayArea(), *window.SFPOPUP), "GIF | - | " + PictureEntries);
-    window.chkAnim->click(); // the animation shows over the still picture
-    ASSERT_TRUE(window.WebBrowser1->isVisible());
-    EXPECT_EQ(rightClick(window.WebBrowser1, *window.SFPOPUP), "GIF | - | " + PictureEntries);
-    EXPECT_TRUE(window.mnuAnim->isChecked()) << "the entry follows the box";
+    EXPECT_EQ(rightClick(files.displayArea(), *ui(window).SFPOPUP), "GIF | - | " + PictureEntries);
+    ui(window).chkAnim->click(); // the animation shows over the still picture
+    ASSERT_TRUE(ui(window).WebBrowser1->isVisible());
+    EXPECT_EQ(rightClick(ui(window).WebBrowser1, *ui(window).SFPOPUP), "GIF | - | " + PictureEntries);
+    EXPECT_TRUE(ui(window).mnuAnim->isChecked()) << "the entry follows the box";
 }
 
 TEST(PopupEntries, MainWindowOverAMovieWindowedAndFullScreenThenTheNextPicture)
@@ -135,40 +136,40 @@ TEST(PopupEntries, MainWindowOverAMovieWindowedAndFullScreenThenTheNextPicture)
     Folder files;
     frmMain &window = files.window();
     ASSERT_TRUE(files.showMovie());
-    EXPECT_EQ(rightClick(&files.player(), *window.SFPOPUP),
+    EXPECT_EQ(rightClick(&files.player(), *ui(window).SFPOPUP),
               "Play/Pause | (Stop) | - | Full Screen* | Save as | Print | Copy | Grab Image | - | Wallpaper | Restore | "
               "Move | - | Add to list | Remove from list | Global Operations | - | Rename | Delete | (Undo) | File info | "
               "Shell Open | Shell Edit | - | Fit window | Full Size | Zoom");
 
-    window.mnuFullScreen->trigger();
+    ui(window).mnuFullScreen->trigger();
     ASSERT_EQ(files.player().DisplaySize(), MoviePlayer::FullScreen);
-    window.mnuPlay->trigger();
-    EXPECT_EQ(rightClick(&files.player(), *window.SFPOPUP),
+    ui(window).mnuPlay->trigger();
+    EXPECT_EQ(rightClick(&files.player(), *ui(window).SFPOPUP),
               "Play/Pause | Stop | - | Restore* | Add to list | Remove from list | Shell Open | Shell Edit");
-    ASSERT_TRUE(choose(&files.player(), *window.SFPOPUP, "Restore"));
+    ASSERT_TRUE(choose(&files.player(), *ui(window).SFPOPUP, "Restore"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return files.player().DisplaySize() != MoviePlayer::FullScreen; }, 2000));
 
     // The next picture's popup owes nothing to the movie's.
     window.Mostra_Image(false, "a.bmp");
     ASSERT_FALSE(files.fixture.context->MainMovieLoaded());
-    EXPECT_EQ(rightClick(files.displayArea(), *window.SFPOPUP), PictureEntries);
+    EXPECT_EQ(rightClick(files.displayArea(), *ui(window).SFPOPUP), PictureEntries);
 }
 
 TEST(PopupEntries, FullScreenViewForAPictureAndAGif)
 {
     Folder files;
     frmMain &window = files.window();
-    window.mnuFullScreen->trigger();
+    ui(window).mnuFullScreen->trigger();
     QPointer<frmFull> view = window.fullView();
     ASSERT_TRUE(view);
     const QString rest = "Restore* | Zoom | Fit window | Full Size | - | Add to list | Remove from list | - | "
                          "Shell Open | Shell Edit | Print | Save as | - | Wallpaper | Restore";
-    EXPECT_EQ(rightClick(view->ImgEgg, *view->SFPOPUP), rest);
-    EXPECT_EQ(rightClick(view, *view->SFPOPUP, {2, 2}), rest) << "beside the picture too";
+    EXPECT_EQ(rightClick(ui(view).ImgEgg, *ui(view).SFPOPUP), rest);
+    EXPECT_EQ(rightClick(view, *ui(view).SFPOPUP, {2, 2}), rest) << "beside the picture too";
 
     QTest::keyClick(view, Qt::Key_Down); // b.gif, shown still
     ASSERT_EQ(files.fixture.context->CurrentFileName(), "b.gif");
-    EXPECT_EQ(rightClick(view, *view->SFPOPUP, {2, 2}), "GIF | - | " + rest);
+    EXPECT_EQ(rightClick(view, *ui(view).SFPOPUP, {2, 2}), "GIF | - | " + rest);
     view->close();
 }
 
@@ -176,40 +177,40 @@ TEST(PopupEntries, IndexForAPictureAndAMovieCell)
 {
     Folder files;
     frmMain &window = files.window();
-    window.cmdIndex->click();
+    ui(window).cmdIndex->click();
     frmIndex *index = window.indexWindow();
     ASSERT_NE(index, nullptr);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading(); }, 20000));
     const QString fileEntries = "Save as | Print | Copy | - | Wallpaper | Restore | Move | - | Add to list | "
                                 "Remove from list | Global Operations | - | Rename | Delete | (Undo) | File info | Shell Open | "
                                 "Shell Edit";
-    EXPECT_EQ(rightClick(index->cells[0].Image1, *index->SFPOPUP), "Show* | " + fileEntries);
+    EXPECT_EQ(rightClick(ui(index).cells[0].Image1, *ui(index).SFPOPUP), "Show* | " + fileEntries);
     if (!TestClips::ffmpegAvailable())
         return;
     const int movieCell = index->cellOfPath(files.folder + "/m.avi");
     ASSERT_GE(movieCell, 0);
-    EXPECT_EQ(rightClick(index->cells[movieCell].MediaPlayer1, *index->SFPOPUP),
+    EXPECT_EQ(rightClick(ui(index).cells[movieCell].MediaPlayer1, *ui(index).SFPOPUP),
               "Show* | Play/Pause | (Stop) | - | Save as | Print | Copy | - | (Wallpaper) | Restore | Move | - | "
               "Add to list | Remove from list | Global Operations | - | Rename | Delete | (Undo) | File info | Shell Open | "
               "Shell Edit");
     // Back on a picture, nothing of the movie's entries is left.
-    EXPECT_EQ(rightClick(index->cells[0].Image1, *index->SFPOPUP), "Show* | " + fileEntries);
+    EXPECT_EQ(rightClick(ui(index).cells[0].Image1, *ui(index).SFPOPUP), "Show* | " + fileEntries);
 }
 
 TEST(PopupEntries, FavouritesWindow)
 {
     Folder files;
     frmMain &window = files.window();
-    window.cmdAdd->click();
-    window.cmdList->click();
+    ui(window).cmdAdd->click();
+    ui(window).cmdList->click();
     frmList &list = window.favourites();
-    ASSERT_EQ(list.ListImage->count(), 1);
-    QWidget *viewport = list.ListImage->viewport();
-    const QPoint at = list.ListImage->visualItemRect(list.ListImage->item(0)).center();
+    ASSERT_EQ(ui(list).ListImage->count(), 1);
+    QWidget *viewport = ui(list).ListImage->viewport();
+    const QPoint at = ui(list).ListImage->visualItemRect(ui(list).ListImage->item(0)).center();
     QContextMenuEvent click(QContextMenuEvent::Mouse, at, viewport->mapToGlobal(at));
     QApplication::sendEvent(viewport, &click);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return list.SFPOPUP->isVisible(); }, 2000));
-    EXPECT_EQ(entries(*list.SFPOPUP),
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui(list).SFPOPUP->isVisible(); }, 2000));
+    EXPECT_EQ(entries(*ui(list).SFPOPUP),
               "Show* | Copy to .. | Move to .. | Delete | Rename | (Undo) | Properties | - | Remove from list | Clear List");
-    list.SFPOPUP->hide();
+    ui(list).SFPOPUP->hide();
 }

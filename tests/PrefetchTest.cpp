@@ -1,4 +1,5 @@
 #include "support/HangingFile.h"
+#include "support/WindowProbe.h"
 #include "support/MainWindowFixture.h"
 
 #include "platform/PictureLoader.h"
@@ -32,7 +33,7 @@ QString savePicture(const QString &path, QSize size, QColor colour)
 
 QColor colourOf(int i) { return QList<QColor>{Qt::red, Qt::green, Qt::blue, Qt::yellow, Qt::cyan}.at(i); }
 
-QColor shownColour(const frmMain &window) { return window.ImgEgg->picture().pixelColor(0, 0); }
+QColor shownColour(const frmMain &window) { return ui(window).ImgEgg->picture().pixelColor(0, 0); }
 
 } // namespace
 
@@ -159,14 +160,14 @@ TEST_F(MainWindowPrefetch, NextShowsThePictureDecodedAhead)
 {
     frmMain &window = fixture.window();
     const int hits = window.prefetch().hits();
-    window.cmdNext->click();
+    ui(window).cmdNext->click();
     EXPECT_EQ(window.prefetch().hits(), hits + 1);
     EXPECT_EQ(shownColour(window), colourOf(1));
-    EXPECT_EQ(window.LabNum->text(), " 2/5 ");
+    EXPECT_EQ(ui(window).LabNum->text(), " 2/5 ");
 
     // Back to the one shown before: held too.
     window.prefetch().waitForIdle();
-    window.cmdBack->click();
+    ui(window).cmdBack->click();
     EXPECT_EQ(window.prefetch().hits(), hits + 2);
     EXPECT_EQ(shownColour(window), colourOf(0));
     EXPECT_LE(window.prefetch().heldCount(), 3);
@@ -177,17 +178,17 @@ TEST_F(MainWindowPrefetch, FileChangedAfterPrefetchIsNotShownStale)
     frmMain &window = fixture.window();
     const int hits = window.prefetch().hits();
     savePicture(folder + "/p1.bmp", QSize(36, 30), Qt::black);
-    window.cmdNext->click();
+    ui(window).cmdNext->click();
     EXPECT_EQ(window.prefetch().hits(), hits);
     EXPECT_EQ(shownColour(window), QColor(Qt::black));
-    EXPECT_EQ(window.ImgEgg->naturalSize(), QSize(36, 30));
+    EXPECT_EQ(ui(window).ImgEgg->naturalSize(), QSize(36, 30));
 }
 
 TEST_F(MainWindowPrefetch, ActualSizeHoldsNothing)
 {
     frmMain &window = fixture.window();
     window.mnuFull_Click();
-    window.cmdNext->click();
+    ui(window).cmdNext->click();
     EXPECT_EQ(window.prefetch().heldCount(), 0);
     EXPECT_EQ(shownColour(window), colourOf(1));
 }

@@ -1,4 +1,5 @@
 #include "support/HangingFile.h"
+#include "support/WindowProbe.h"
 #include "support/MainWindowFixture.h"
 
 #include "platform/MoviePlayer.h"
@@ -84,7 +85,7 @@ TEST(SlowFiles, HangingPictureLeavesTheWindowResponsiveAndTheAreaEmpty)
     ASSERT_TRUE(hanging.made);
     fixture.state->PictureDecodeLimitMs = 300;
     frmMain &window = fixture.start(folder + "/a.jpg");
-    ASSERT_FALSE(window.ImgEgg->isHidden());
+    ASSERT_FALSE(ui(window).ImgEgg->isHidden());
 
     bool timerFired = false;
     QTimer::singleShot(50, [&] { timerFired = true; });
@@ -93,13 +94,13 @@ TEST(SlowFiles, HangingPictureLeavesTheWindowResponsiveAndTheAreaEmpty)
     window.Mostra_Image(false, hanging.path, true);
     EXPECT_LT(clock.elapsed(), 2000);
     EXPECT_TRUE(timerFired) << "the event loop ran while the picture decoded";
-    EXPECT_TRUE(window.ImgEgg->isHidden());
-    EXPECT_EQ(window.LabFil->text(), "hang.jpg");
+    EXPECT_TRUE(ui(window).ImgEgg->isHidden());
+    EXPECT_EQ(ui(window).LabFil->text(), "hang.jpg");
     EXPECT_TRUE(fixture.prompts.asked.isEmpty());
 
     // The next picture shows as usual.
     window.Mostra_Image(false, folder + "/a.jpg", true);
-    EXPECT_FALSE(window.ImgEgg->isHidden());
+    EXPECT_FALSE(ui(window).ImgEgg->isHidden());
 }
 
 TEST(SlowFiles, PipeUnderAMovieNameNeverBlocks)
@@ -115,7 +116,7 @@ TEST(SlowFiles, PipeUnderAMovieNameNeverBlocks)
         clock.start();
         window.Mostra_Image(false, hanging.path, true);
         EXPECT_LT(clock.elapsed(), 2000) << name;
-        EXPECT_FALSE(window.MediaPlayer1->hasEngine()) << name;
+        EXPECT_FALSE(ui(window).MediaPlayer1->hasEngine()) << name;
         window.Mostra_Image(false, folder + "/a.jpg", true);
     }
 }

@@ -1,6 +1,7 @@
 // The status row as a user reads it after resizing, moving on and showing
 // files that Vimora cannot measure: it always tells what is on screen.
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include "viewer/ViewRules.h"
 
@@ -12,7 +13,7 @@ namespace {
 // What the zoom label must say for the picture as it is now drawn.
 QString zoomOnScreen(frmMain &window, int naturalWidth)
 {
-    return ViewRules::zoomLabel(qRound(100.0 * window.ImgEgg->width() / naturalWidth));
+    return ViewRules::zoomLabel(qRound(100.0 * ui(window).ImgEgg->width() / naturalWidth));
 }
 
 } // namespace
@@ -25,18 +26,18 @@ TEST(StatusRowJourney, ResizingTheWindowInFitModeTellsTheNewZoom)
     frmMain &window = fixture.start(fixture.makePicture(folder, "wide.bmp", {3000, 2000}));
     window.resize(900, 700);
     QTest::keyClick(&window, Qt::Key_F, Qt::AltModifier); // fit
-    const QString zoomBefore = window.LabZoom->text();
-    const QString pixelsBefore = window.LabPix->text();
+    const QString zoomBefore = ui(window).LabZoom->text();
+    const QString pixelsBefore = ui(window).LabPix->text();
     EXPECT_EQ(zoomBefore, zoomOnScreen(window, 3000));
 
     // Dragging the corner larger, then smaller than at first.
     for (const QSize size : {QSize(1400, 1000), QSize(700, 560)}) {
         window.resize(size);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return window.LabZoom->text() == zoomOnScreen(window, 3000); }, 3000))
-            << window.LabZoom->text().toStdString() << " for " << window.ImgEgg->width() << " pixels";
-        EXPECT_NE(window.LabZoom->text(), zoomBefore);
-        EXPECT_NE(window.LabPix->text(), pixelsBefore);
-        EXPECT_TRUE(window.LabPix->text().contains(" 3000 x 2000 ")) << window.LabPix->text().toStdString();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return ui(window).LabZoom->text() == zoomOnScreen(window, 3000); }, 3000))
+            << ui(window).LabZoom->text().toStdString() << " for " << ui(window).ImgEgg->width() << " pixels";
+        EXPECT_NE(ui(window).LabZoom->text(), zoomBefore);
+        EXPECT_NE(ui(window).LabPix->text(), pixelsBefore);
+        EXPECT_TRUE(ui(window).LabPix->text().contains(" 3000 x 2000 ")) << ui(window).LabPix->text().toStdString();
     }
 }
 
@@ -47,15 +48,15 @@ TEST(StatusRowJourney, DownOnTheLastFileKeepsTheStatusRow)
     fixture.makeFiles(folder, {"a.bmp", "b.bmp"});
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/b.bmp");
-    const QString zoom = window.LabZoom->text();
+    const QString zoom = ui(window).LabZoom->text();
     QTest::keyClick(&window, Qt::Key_Down);
     QCoreApplication::processEvents();
     EXPECT_EQ(window.windowTitle(), " b.bmp  - Vimora ");
-    for (QLabel *label : {window.LabNum, window.LabFil, window.LabSiz, window.LabPix, window.LabZoom})
+    for (QLabel *label : {ui(window).LabNum, ui(window).LabFil, ui(window).LabSiz, ui(window).LabPix, ui(window).LabZoom})
         EXPECT_TRUE(label->isVisible()) << label->objectName().toStdString();
-    EXPECT_EQ(window.LabNum->text(), " 2/2 ");
-    EXPECT_EQ(window.LabFil->text(), "b.bmp");
-    EXPECT_EQ(window.LabZoom->text(), zoom);
+    EXPECT_EQ(ui(window).LabNum->text(), " 2/2 ");
+    EXPECT_EQ(ui(window).LabFil->text(), "b.bmp");
+    EXPECT_EQ(ui(window).LabZoom->text(), zoom);
 }
 
 TEST(StatusRowJourney, SlidesAndAVanishedMovieLeaveNoPictureSizeBehind)
@@ -65,22 +66,22 @@ TEST(StatusRowJourney, SlidesAndAVanishedMovieLeaveNoPictureSizeBehind)
     fixture.makeFiles(folder, {"a.bmp", "b.ppt", "c.bmp", "d.avi"});
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/a.bmp");
-    ASSERT_FALSE(window.LabPix->text().isEmpty());
-    ASSERT_FALSE(window.LabZoom->text().isEmpty());
+    ASSERT_FALSE(ui(window).LabPix->text().isEmpty());
+    ASSERT_FALSE(ui(window).LabZoom->text().isEmpty());
 
     QTest::keyClick(&window, Qt::Key_Down);
     ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " b.ppt  - Vimora "; }, 5000));
-    EXPECT_EQ(window.LabNum->text(), " 2/4 ");
-    EXPECT_EQ(window.LabPix->text(), "");
-    EXPECT_EQ(window.LabZoom->text(), "");
+    EXPECT_EQ(ui(window).LabNum->text(), " 2/4 ");
+    EXPECT_EQ(ui(window).LabPix->text(), "");
+    EXPECT_EQ(ui(window).LabZoom->text(), "");
 
     QTest::keyClick(&window, Qt::Key_Down);
     ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " c.bmp  - Vimora "; }, 5000));
-    ASSERT_FALSE(window.LabZoom->text().isEmpty());
+    ASSERT_FALSE(ui(window).LabZoom->text().isEmpty());
     ASSERT_TRUE(QFile::remove(folder + "/d.avi")); // gone before the user moves on
     QTest::keyClick(&window, Qt::Key_Down);
     ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " d.avi  - Vimora "; }, 5000));
-    EXPECT_EQ(window.LabNum->text(), " 4/4 ");
-    EXPECT_EQ(window.LabPix->text(), "");
-    EXPECT_EQ(window.LabZoom->text(), "");
+    EXPECT_EQ(ui(window).LabNum->text(), " 4/4 ");
+    EXPECT_EQ(ui(window).LabPix->text(), "");
+    EXPECT_EQ(ui(window).LabZoom->text(), "");
 }

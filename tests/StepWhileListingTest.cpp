@@ -2,6 +2,7 @@
 // again (F5, a copy saved into it) lands on the next file once the list is
 // back, not on the half-read list.
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include "fullscreen/frmFull.h"
 
@@ -28,7 +29,7 @@ TEST_F(StepWhileListing, DownInFullScreenDuringRefreshShowsTheNextFile)
 {
     frmMain &window = start();
     QTest::keyClick(&window, Qt::Key_Space);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window.LabNum->text() == " 2/3 "; }, 3000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui(window).LabNum->text() == " 2/3 "; }, 3000));
     window.mnuFullScreen_Click();
     ASSERT_TRUE(QTest::qWaitFor([&] { return window.fullView() && window.fullView()->isVisible(); }, 3000));
     frmFull *full = window.fullView();
@@ -46,5 +47,5 @@ TEST_F(StepWhileListing, DownInFullScreenDuringRefreshShowsTheNextFile)
     ASSERT_FALSE(watch.isActive()) << "the re-read let no event through";
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == " c.bmp  - Vimora "; }, 3000))
         << window.windowTitle().toStdString();
-    EXPECT_EQ(window.LabNum->text(), " 3/3 ");
+    EXPECT_EQ(ui(window).LabNum->text(), " 3/3 ");
 }

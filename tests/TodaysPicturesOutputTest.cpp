@@ -1,4 +1,5 @@
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include "display/PictureView.h"
 #include "fullscreen/frmFull.h"
@@ -87,24 +88,24 @@ TEST(TodaysPicturesOutput, EachTypeGoesToClipboardWallpaperPrinterAreaAndFullScr
 
         // A 16 x 12 area from near the corner: every picture here is larger.
         QTest::keyClick(focused(window), Qt::Key_F6);
-        QTest::mousePress(window.ImgEgg, Qt::LeftButton, {}, {2, 2});
-        QMouseEvent move(QEvent::MouseMove, QPointF(18, 14), window.ImgEgg->mapToGlobal(QPointF(18, 14)), Qt::NoButton,
+        QTest::mousePress(ui(window).ImgEgg, Qt::LeftButton, {}, {2, 2});
+        QMouseEvent move(QEvent::MouseMove, QPointF(18, 14), ui(window).ImgEgg->mapToGlobal(QPointF(18, 14)), Qt::NoButton,
                          Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(window.ImgEgg, &move);
-        QTest::mouseRelease(window.ImgEgg, Qt::LeftButton, {}, {18, 14});
+        QCoreApplication::sendEvent(ui(window).ImgEgg, &move);
+        QTest::mouseRelease(ui(window).ImgEgg, Qt::LeftButton, {}, {18, 14});
         const QString area = out + QStringLiteral("/area%1.bmp").arg(index);
         fixture.prompts.files = {area};
-        window.mnuCropSave->trigger();
+        ui(window).mnuCropSave->trigger();
         EXPECT_EQ(QImageReader(area).size(), QSize(16, 12));
         QTest::keyClick(focused(window), Qt::Key_Escape); // the selection goes
 
-        window.mnuFullScreen->trigger();
+        ui(window).mnuFullScreen->trigger();
         frmFull *view = window.fullView();
         ASSERT_NE(view, nullptr);
         ASSERT_TRUE(QTest::qWaitFor([&] { return view->isVisible(); }, 5000));
-        EXPECT_FALSE(view->ImgEgg->picture().isNull());
-        EXPECT_TRUE(view->ImgEgg->toolTip().contains(QStringLiteral("(%1 x %2)").arg(stored.width()).arg(stored.height())))
-            << view->ImgEgg->toolTip().toStdString();
+        EXPECT_FALSE(ui(view).ImgEgg->picture().isNull());
+        EXPECT_TRUE(ui(view).ImgEgg->toolTip().contains(QStringLiteral("(%1 x %2)").arg(stored.width()).arg(stored.height())))
+            << ui(view).ImgEgg->toolTip().toStdString();
         QTest::keyClick(view, Qt::Key_Escape);
         ASSERT_TRUE(QTest::qWaitFor([&] { return window.fullView() == nullptr || !window.fullView()->isVisible(); }, 5000));
     }

@@ -1,4 +1,5 @@
 #include "display/AnimationView.h"
+#include "support/WindowProbe.h"
 #include "display/PictureView.h"
 #include "support/MainWindowFixture.h"
 #include "viewer/ViewRules.h"
@@ -42,12 +43,12 @@ TEST(TodaysPicturesWindow, DownWalksThroughOnePictureOfEachType)
             QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : &window, Qt::Key_Down);
         ASSERT_TRUE(QTest::qWaitFor(
             [&] { return window.windowTitle() == ViewRules::fileTitle(pictures[index].name); }, 10000));
-        EXPECT_EQ(window.LabNum->text(), ViewRules::positionText(index, count));
-        EXPECT_FALSE(window.ImgEgg->isEmpty());
+        EXPECT_EQ(ui(window).LabNum->text(), ViewRules::positionText(index, count));
+        EXPECT_FALSE(ui(window).ImgEgg->isEmpty());
         const QSize size = pictures[index].size;
         if (size.isValid()) { // the status row gives the true size
-            EXPECT_TRUE(window.LabPix->text().contains(ViewRules::resolutionText(size.width(), size.height())))
-                << window.LabPix->text().toStdString();
+            EXPECT_TRUE(ui(window).LabPix->text().contains(ViewRules::resolutionText(size.width(), size.height())))
+                << ui(window).LabPix->text().toStdString();
         }
     }
 }
@@ -63,22 +64,22 @@ TEST(TodaysPicturesWindow, AnimatedWebPAnimatesLikeAGifAndAStillOneStaysAPicture
     fixture.settings().write("UserDef", "Language", "EN");
     frmMain &window = fixture.start(folder + "/a moving.webp");
     ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == ViewRules::fileTitle("a moving.webp"); }, 10000));
-    ASSERT_TRUE(window.chkAnim->isChecked());
-    EXPECT_TRUE(window.WebBrowser1->isVisible());
-    EXPECT_EQ(window.WebBrowser1->frameCount(), 4);
-    EXPECT_FALSE(window.ImgEgg->isVisible());
+    ASSERT_TRUE(ui(window).chkAnim->isChecked());
+    EXPECT_TRUE(ui(window).WebBrowser1->isVisible());
+    EXPECT_EQ(ui(window).WebBrowser1->frameCount(), 4);
+    EXPECT_FALSE(ui(window).ImgEgg->isVisible());
 
     // Unchecked, the first frame shows as a picture.
-    window.chkAnim->click();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window.ImgEgg->isVisible(); }, 5000));
-    EXPECT_FALSE(window.WebBrowser1->isVisible());
-    window.chkAnim->click();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window.WebBrowser1->isVisible(); }, 5000));
+    ui(window).chkAnim->click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui(window).ImgEgg->isVisible(); }, 5000));
+    EXPECT_FALSE(ui(window).WebBrowser1->isVisible());
+    ui(window).chkAnim->click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui(window).WebBrowser1->isVisible(); }, 5000));
 
     QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : &window, Qt::Key_Down);
     ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == ViewRules::fileTitle("b still.webp"); }, 10000));
-    EXPECT_TRUE(window.ImgEgg->isVisible());
-    EXPECT_FALSE(window.WebBrowser1->isVisible());
+    EXPECT_TRUE(ui(window).ImgEgg->isVisible());
+    EXPECT_FALSE(ui(window).WebBrowser1->isVisible());
 }
 
 TEST(TodaysPicturesWindow, ZoomedInSvgIsDrawnAgainAtTheShownSize)
@@ -91,15 +92,15 @@ TEST(TodaysPicturesWindow, ZoomedInSvgIsDrawnAgainAtTheShownSize)
     frmMain &window = fixture.start(folder + "/drawing.svg");
     ASSERT_TRUE(QTest::qWaitFor([&] { return window.windowTitle() == ViewRules::fileTitle("drawing.svg"); }, 10000));
     window.mnuFull_Click();
-    EXPECT_EQ(window.ImgEgg->picture().size(), QSize(480, 360)); // at 100 %: its natural size
+    EXPECT_EQ(ui(window).ImgEgg->picture().size(), QSize(480, 360)); // at 100 %: its natural size
 
     for (int press = 0; press < 3; ++press) // 115, 132, 152 %
         QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : &window, Qt::Key_Plus,
                         Qt::KeypadModifier);
-    ASSERT_EQ(window.LabZoom->text(), " 152% ");
+    ASSERT_EQ(ui(window).LabZoom->text(), " 152% ");
     // Not the 480x360 picture stretched: a new drawing of the shown size.
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window.ImgEgg->picture().width() >= 720; }, 5000))
-        << window.ImgEgg->picture().width();
-    EXPECT_EQ(window.ImgEgg->picture().size(), window.ImgEgg->size() * window.ImgEgg->devicePixelRatio());
-    EXPECT_TRUE(window.LabPix->text().contains(ViewRules::resolutionText(480, 360))); // still its true size
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui(window).ImgEgg->picture().width() >= 720; }, 5000))
+        << ui(window).ImgEgg->picture().width();
+    EXPECT_EQ(ui(window).ImgEgg->picture().size(), ui(window).ImgEgg->size() * ui(window).ImgEgg->devicePixelRatio());
+    EXPECT_TRUE(ui(window).LabPix->text().contains(ViewRules::resolutionText(480, 360))); // still its true size
 }

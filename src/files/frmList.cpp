@@ -303,6 +303,14 @@ void frmList::copyInto(const QStringList &paths, int titleNumber, const char *ti
         m_host.refreshFileList();
 }
 
+void frmList::bringForward()
+{
+    show();
+    raise();
+    activateWindow();
+    cmdSave->setFocus(); // a disabled button simply does not take it
+}
+
 void frmList::cmdSave_Click() { copyInto(selectedEntries(), 384, "Choose the folder where to COPY selected files"); }
 
 void frmList::mnuSave_Click()

@@ -43,10 +43,21 @@ public:
     virtual void switchLanguage() = 0;         // F2: every window in the chosen language
 };
 
+// The favourites window's controls, private to it.
+struct frmListControls {
+    QListWidget *ListImage;
+    QCheckBox *Check1;
+    QPushButton *cmdSave, *cmdMove, *cmdDel, *cmdRemove, *cmdAll;
+    QLabel *LabSel;
+    QMenu *SFPOPUP;
+    QAction *mnuOpen, *mnuSave, *mnuMove, *mnuDelete, *mnuRename, *mnuUndo, *SFInfo, *mnuRemove, *mnuClear;
+};
+
 // The favourites window: the user's own list of files, kept across runs,
 // with batch copy, move and delete.
-class frmList : public QWidget {
+class frmList : public QWidget, private frmListControls {
     Q_OBJECT
+    friend struct WindowProbe; // the tests read what the controls show
 public:
     frmList(AppState &state, Prompts &prompts, FavouritesHost &host, QWidget *parent = nullptr);
     ~frmList() override;
@@ -61,6 +72,9 @@ public:
     QStringList entries() const;
     QStringList selectedEntries() const;
     void placeBesideMain();
+    // Shown in front with the keyboard: Escape, F2 and the buttons' keys are
+    // the list's from the moment it shows.
+    void bringForward();
 
     // The rename box; tests give their own.
     using RenameBox = std::function<QString(const QRect &globalRect, const QString &name)>;
@@ -80,13 +94,7 @@ public:
     void mnuRename_Click();
     void SFInfo_Click();
 
-    QListWidget *ListImage;
-    QCheckBox *Check1;
-    QPushButton *cmdSave, *cmdMove, *cmdDel, *cmdRemove, *cmdAll;
-    QLabel *LabSel;
     CommandSet *commands; // the popup, the buttons and Escape are made of these
-    QMenu *SFPOPUP;
-    QAction *mnuOpen, *mnuSave, *mnuMove, *mnuDelete, *mnuRename, *mnuUndo, *SFInfo, *mnuRemove, *mnuClear;
 
     int ListClickIndex = -1;
     bool ListReady = false;

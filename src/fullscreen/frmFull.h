@@ -17,11 +17,23 @@ class QMenu;
 class FullViewHost;
 class ViewerContext;
 
+// The full-screen view's controls, private to it.
+struct frmFullControls {
+    PictureView *ImgEgg;
+    AnimationView *WebBrowser1;
+    QMenu *SFPOPUP;
+    QMenu *mnuZoom;
+    QAction *mnuPlay, *mnuStop, *mnuSepp, *mnuAnim, *mnuSepGif, *mnuNormal, *mnuAdd, *mnuRemove;
+    QAction *mnuShellOpen, *mnuShellEdit, *mnuPrint, *mnuSave, *mnuWall, *mnuRemoveWall, *mnufit, *mnuFull;
+    std::array<QAction *, 12> mnuZoomItems; // 10 % ... 800 %
+};
+
 // The file shown alone on the whole screen. Keys page through the list; a
 // movie reached that way plays in the main window's player, full screen.
 // Esc, a double click, "Restore" or a zoom item give the main window back.
-class frmFull : public QWidget {
+class frmFull : public QWidget, private frmFullControls {
     Q_OBJECT
+    friend struct WindowProbe; // the tests read what the controls show
 public:
     // A window of its own, kept by the owner so it never outlives it.
     frmFull(AppState &state, ViewerContext &context, FullViewHost &host, QWidget *owner);
@@ -39,13 +51,6 @@ public:
     void ImgEgg_MouseDown(QMouseEvent *event);
 
     CommandSet *commands; // the popup and the keys are made of these
-    PictureView *ImgEgg;
-    AnimationView *WebBrowser1;
-    QMenu *SFPOPUP;
-    QMenu *mnuZoom;
-    QAction *mnuPlay, *mnuStop, *mnuSepp, *mnuAnim, *mnuSepGif, *mnuNormal, *mnuAdd, *mnuRemove;
-    QAction *mnuShellOpen, *mnuShellEdit, *mnuPrint, *mnuSave, *mnuWall, *mnuRemoveWall, *mnufit, *mnuFull;
-    std::array<QAction *, 12> mnuZoomItems; // 10 % ... 800 %
 
     // Commands of other windows and features, wired by whoever builds them;
     // an item whose hook is empty is shown disabled.

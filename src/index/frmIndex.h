@@ -25,18 +25,8 @@ class ThumbnailDecoder;
 class CommandSet;
 class ViewerContext;
 
-// The thumbnail index: the main window's list as pages of 24 cells, where
-// pictures are thumbnails and movies play in small players of their own.
-// Thumbnails decode off the GUI thread (ThumbnailDecoder); the rules of the
-// page are in IndexRules.
-class frmIndex : public QWidget {
-    Q_OBJECT
-public:
-    // A window of its own, kept by the owner (the main window).
-    frmIndex(AppState &state, ViewerContext &context, Prompts &prompts, Launcher &launcher, ViewGeometry::Twips twips,
-             QWidget *owner);
-    ~frmIndex() override;
-
+// The index's controls, private to it: the page's cells and the buttons around them.
+struct frmIndexControls {
     struct Cell {
         QFrame *Frame2 = nullptr;
         QLabel *Image1 = nullptr;
@@ -61,10 +51,25 @@ public:
     QToolButton *cmdPlay, *cmdPause, *cmdStop, *cmdVol;
     QPushButton *cmdTrucco; // takes the focus after a cell button, so players never keep it
 
-    CommandSet *commands; // the popup, the buttons and the keys are made of these
     QMenu *SFPOPUP;
     QAction *mnuOpen, *mnuPlay, *mnuStop, *mnuSepp, *mnuSave, *mnuPrint, *mnuClipboard, *mnuWall, *mnuRemoveWall;
     QAction *mnuMove, *mnuAdd, *mnuRemove, *mnuGlobal, *SFRename, *SFDelete, *mnuUndo, *SFInfo, *mnuShellOpen, *mnuShellEdit;
+};
+
+// The thumbnail index: the main window's list as pages of 24 cells, where
+// pictures are thumbnails and movies play in small players of their own.
+// Thumbnails decode off the GUI thread (ThumbnailDecoder); the rules of the
+// page are in IndexRules.
+class frmIndex : public QWidget, private frmIndexControls {
+    Q_OBJECT
+    friend struct WindowProbe; // the tests read what the controls show
+public:
+    // A window of its own, kept by the owner (the main window).
+    frmIndex(AppState &state, ViewerContext &context, Prompts &prompts, Launcher &launcher, ViewGeometry::Twips twips,
+             QWidget *owner);
+    ~frmIndex() override;
+
+    CommandSet *commands; // the popup, the buttons and the keys are made of these
 
     int IndexPage = 0;
     QString SelectedFile;
@@ -144,6 +149,9 @@ public:
     QString selectedFilePath() const { return SelectedFile; }
     double cellMoviePosition(int cell) const;
     int cellOfPath(const QString &path) const;
+    // Where the rename box opens: over the cell's name, else at the window's corner.
+    QRect nameRectOf(const QString &path) const;
+    QImage movieFrameOf(const QString &path) const; // the frame a movie cell shows, or none
 
 signals:
     void pageLoaded(); // pictures shown and movie cells opened

@@ -60,6 +60,21 @@ int frmIndex::cellOfPath(const QString &path) const
     return -1;
 }
 
+QRect frmIndex::nameRectOf(const QString &path) const
+{
+    const int cell = cellOfPath(path);
+    if (cell < 0)
+        return QRect(mapToGlobal(QPoint(0, 0)), QSize(240, fontMetrics().height() + 6));
+    const QLabel *label = cells[cell].LabImage;
+    return QRect(label->mapToGlobal(QPoint(0, 0)), QSize(label->width(), label->fontMetrics().height() + 6));
+}
+
+QImage frmIndex::movieFrameOf(const QString &path) const
+{
+    const int cell = cellOfPath(path);
+    return cell >= 0 && cells[cell].movie ? cells[cell].MediaPlayer1->currentFrame() : QImage();
+}
+
 void frmIndex::mnuOpen_Click()
 {
     m_context.setFullScreenActive(false);

@@ -54,33 +54,9 @@ class QTimer;
 class QToolButton;
 class QTreeView;
 
-// The main window: folder browser on top, the display area, the status row.
-// The handlers keep the names under which their behaviour is described;
-// the rules they apply live in plain functions beside this file.
-class frmMain : public QWidget, private DisplayPresenter, private FullViewHost {
-    Q_OBJECT
-public:
-    frmMain(AppState &state, ViewerContext &context, Prompts &prompts, Launcher &launcher, QWidget *parent = nullptr);
-    ~frmMain() override;
-
-    // Start-up; the command line is one file path or empty.
-    void Form_Load(const QString &commandLine);
-    void Form_Unload();
-
-    // Shows a file: moves through the list (empty name), or by name, or by
-    // full path; startPosition is where a movie starts, in seconds.
-    void Mostra_Image(bool backward, const QString &name, bool nameIsFullPath = false, double startPosition = 0);
-
-    ViewerContext &context() const { return m_context; } // what this window shows
-    bool cropSelectionActive() const { return m_cropSelectionActive; }
-
-    void ApplyLanguage(); // captions and tooltips of the current language
-    // F2 in any window: the language chooser, then every open window in the new language.
-    void switchLanguage();
-    // Where the drive list comes from; tests give their own.
-    void setDriveSource(std::function<QList<Drive>()> source) { m_listDrives = std::move(source); }
-    ViewGeometry::Twips twips() const { return m_twips; }
-
+// The main window's controls: its own, private to it. Other windows reach
+// the main window through the viewer context and its commands.
+struct frmMainControls {
     // Top tool area.
     QFrame *FraFondoTop;
     QFrame *Frame1;
@@ -88,8 +64,6 @@ public:
     QTreeView *Dir1;
     QComboBox *CboURL;
     QComboBox *CboType;
-    // The chosen filter item's whole text: label, code and patterns.
-    QString typeFilterText() const;
     QToolButton *cmdUp;
     QToolButton *cmdRefr;
     QToolButton *cmdClear;
@@ -135,8 +109,7 @@ public:
 
     QTimer *TimerImage;
 
-    // The window's commands, and the popups made of them.
-    CommandSet *commands;
+    // The popups made of the window's commands.
     QMenu *SFPOPUP;
     QMenu *SFCrop;
     QMenu *DIRPOPUP;
@@ -147,6 +120,40 @@ public:
     QAction *mnufit, *mnuFull, *mnuAdd, *mnuRemove, *mnuShellOpen, *mnuShellEdit;
     QAction *mnuCropSave, *mnuCropClip, *mnuCropPrint, *mnuDirOpen, *mnuDirExpl;
     std::array<QAction *, 12> mnuZoomItems; // 10 % ... 800 %
+};
+
+// The main window: folder browser on top, the display area, the status row.
+// The handlers keep the names under which their behaviour is described;
+// the rules they apply live in plain functions beside this file.
+class frmMain : public QWidget, private frmMainControls, private DisplayPresenter, private FullViewHost {
+    Q_OBJECT
+    friend struct WindowProbe; // the tests read what the controls show
+public:
+    frmMain(AppState &state, ViewerContext &context, Prompts &prompts, Launcher &launcher, QWidget *parent = nullptr);
+    ~frmMain() override;
+
+    // Start-up; the command line is one file path or empty.
+    void Form_Load(const QString &commandLine);
+    void Form_Unload();
+
+    // Shows a file: moves through the list (empty name), or by name, or by
+    // full path; startPosition is where a movie starts, in seconds.
+    void Mostra_Image(bool backward, const QString &name, bool nameIsFullPath = false, double startPosition = 0);
+
+    ViewerContext &context() const { return m_context; } // what this window shows
+    bool cropSelectionActive() const { return m_cropSelectionActive; }
+
+    void ApplyLanguage(); // captions and tooltips of the current language
+    // F2 in any window: the language chooser, then every open window in the new language.
+    void switchLanguage();
+    // Where the drive list comes from; tests give their own.
+    void setDriveSource(std::function<QList<Drive>()> source) { m_listDrives = std::move(source); }
+    ViewGeometry::Twips twips() const { return m_twips; }
+
+    // The chosen filter item's whole text: label, code and patterns.
+    QString typeFilterText() const;
+    CommandSet *commands; // what every button, key and popup of the window runs
+
 
     // Folder browser handlers.
     void Carica_ListaImages(QString name); // a copy: the caller often passes CurrentFileName, which the load clears

@@ -116,13 +116,7 @@ void frmMain::cmdAdd_Click()
 void frmMain::cmdList_Click()
 {
     stopSlideTimer();
-    frmList &list = favourites();
-    list.show();
-    list.raise();
-    // Come forward with the keyboard too: Escape, F2 and the buttons' keys
-    // are the list's from the moment it shows.
-    list.activateWindow();
-    list.cmdSave->setFocus(); // a disabled button simply does not take it
+    favourites().bringForward();
     m_state.ListWindowOpen = true;
     restartSlideTimerIfOn();
 }

@@ -36,16 +36,6 @@ QImage pictureOf(const QString &path, const QColorSpace &colours = ColourManagem
     return PictureLoader::load(path, options).image;
 }
 
-// Where the rename box opens: over the cell's name.
-QRect nameRectOf(const frmIndex &index, const QString &path)
-{
-    const int cell = index.cellOfPath(path);
-    if (cell < 0)
-        return QRect(index.mapToGlobal(QPoint(0, 0)), QSize(240, index.fontMetrics().height() + 6));
-    const QLabel *label = index.cells[cell].LabImage;
-    return QRect(label->mapToGlobal(QPoint(0, 0)), QSize(label->width(), label->fontMetrics().height() + 6));
-}
-
 } // namespace
 
 void frmMain::wireIndexCommands(frmIndex *index)
@@ -78,7 +68,7 @@ void frmMain::wireIndexCommands(frmIndex *index)
             cmdAdd->setEnabled(true);
     };
     index->onGlobal = [this] { cmdList_Click(); };
-    index->onRename = [this, index](const QString &path) { renameFileAt(path, nameRectOf(*index, path)); };
+    index->onRename = [this, index](const QString &path) { renameFileAt(path, index->nameRectOf(path)); };
     index->onDelete = [this](const QString &path) { deleteFileAt(path); };
     index->onUndo = [this] { mnuUndo_Click(); };
     index->canUndo = [this] { return canUndo(); };
@@ -102,9 +92,8 @@ void frmMain::wireIndexCommands(frmIndex *index)
     index->onClipboard = [index](const QString &path) {
         QGuiApplication::clipboard()->clear();
         QImage picture = pictureOf(path, QColorSpace(QColorSpace::SRgb));
-        const int cell = index->cellOfPath(path);
-        if (picture.isNull() && cell >= 0 && index->cells[cell].movie)
-            picture = index->cells[cell].MediaPlayer1->currentFrame(); // the frame the cell shows
+        if (picture.isNull())
+            picture = index->movieFrameOf(path);
         if (!picture.isNull())
             PictureOutput::putOnClipboard(picture);
     };
