@@ -107,6 +107,42 @@ TEST(IndexWindow, ChangingFolderCancelsThePageInProgress)
         EXPECT_TRUE(ui(index).cells[cell].Image1->pixmap().isNull()) << cell;
 }
 
+TEST(IndexWindow, PagingWhileAPageBuildsShowsOnlyTheLastPageAsked)
+{
+    MainWindowFixture fixture;
+    const QString folder = fixture.makeFolder("big");
+    // Large enough to be still decoding when the user pages; each its own hue.
+    const auto hueOf = [](int i) { return i * 12; };
+    for (int i = 0; i < 30; ++i) {
+        QImage picture(3000, 2000, QImage::Format_RGB32);
+        picture.fill(QColor::fromHsv(hueOf(i), 255, 255));
+        ASSERT_TRUE(picture.save(folder + QStringLiteral("/b%1.jpg").arg(i, 2, 10, QLatin1Char('0'))));
+    }
+    frmMain &window = fixture.start(folder + "/b00.jpg");
+
+    ui(window).cmdIndex->click();
+    frmIndex &index = *window.indexWindow();
+    ASSERT_TRUE(index.pageLoading());
+    // Next, Back and Next again while the pictures of page 0 decode.
+    ui(index).cmdNext->click();
+    ui(index).cmdBack->click();
+    ui(index).cmdNext->click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !index.pageLoading(); }, 30000));
+    QTest::qWait(300); // late results of the older pages would land now
+
+    EXPECT_EQ(index.IndexPage, 1);
+    EXPECT_EQ(visibleCells(index), 6);
+    EXPECT_EQ(ui(index).cells[0].LabImage->text(), "b24.jpg");
+    for (int cell = 0; cell < 6; ++cell) {
+        const QImage shown = ui(index).cells[cell].Image1->pixmap().toImage();
+        ASSERT_FALSE(shown.isNull()) << cell;
+        const int hue = shown.pixelColor(shown.rect().center()).hsvHue();
+        EXPECT_NEAR(hue, hueOf(24 + cell), 6) << "cell " << cell << " shows another page's picture";
+    }
+    for (int cell = 6; cell < 24; ++cell)
+        EXPECT_TRUE(ui(index).cells[cell].Image1->pixmap().isNull()) << cell;
+}
+
 TEST(IndexWindow, PlaysPausesAndStopsAllMoviesOfThePage)
 {
     if (!TestClips::ffmpegAvailable())

@@ -13,6 +13,7 @@
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -311,6 +312,50 @@ TEST(MainWindowBrowsing, FitModeDecodesSmallAndActualSizeDecodesOnlyWhatShows)
     EXPECT_GT(drawn.red(), 200);
     EXPECT_LT(drawn.green(), 60);
 }
+
+// The user goes back to the small folder while the big one is read: at the
+// given turn of the event loop that reading yields (the first comes before
+// the listing starts, the third after its first batch of names).
+class FolderPickedDuringAListing : public ::testing::TestWithParam<int> {};
+
+TEST_P(FolderPickedDuringAListing, TakesOverAndIsListedOnce)
+{
+    MainWindowFixture fixture;
+    const QString big = fixture.makeFolder("big");
+    for (int i = 0; i < 6000; ++i) { // several turns of the listing
+        QFile file(big + QStringLiteral("/n%1.ico").arg(i, 5, 10, QLatin1Char('0')));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    const QString small = fixture.makeFolder("small");
+    fixture.makeFiles(small, {"s1.bmp", "s2.bmp"});
+    fixture.settings().write("UserDef", "Language", "EN");
+    frmMain &window = fixture.start(small + "/s2.bmp");
+    QSignalSpy listed(&window.context(), &ViewerContext::listLoaded);
+    QSignalSpy shown(&window.context(), &ViewerContext::fileShown);
+
+    int turns = 0;
+    QTimer during;
+    QObject::connect(&during, &QTimer::timeout, &window, [&] {
+        if (window.context().CurrentFolder() == big && ++turns == GetParam()) {
+            during.stop();
+            pickInTree(window, small);
+        }
+    });
+    during.start(0);
+    pickInTree(window, big);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window.context().listingUnderWay(); }, 10000));
+    QCoreApplication::processEvents();
+
+    ASSERT_FALSE(during.isActive()) << "the reading never yielded that often";
+    EXPECT_EQ(window.context().CurrentFolder(), small);
+    EXPECT_EQ(window.context().FileNames(), QStringList({"s1.bmp", "s2.bmp"}));
+    EXPECT_EQ(listed.size(), 1); // neither the big folder's list nor the small one's twice
+    EXPECT_EQ(shown.size(), 1);
+    EXPECT_EQ(ui(window).LabNum->text(), ViewRules::positionText(window.context().CurrentIndex(), 2));
+    EXPECT_EQ(window.windowTitle(), ViewRules::fileTitle(window.context().CurrentFileName()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Turns, FolderPickedDuringAListing, ::testing::Values(1, 3));
 
 TEST(MainWindowBrowsing, KeysThatPileUpDuringADisplayAreShownAsOneMove)
 {

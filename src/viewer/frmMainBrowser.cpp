@@ -178,12 +178,19 @@ void frmMain::Dir1_Change()
         return;
     }
 
+    // A folder picked while this one is on its way takes over from here.
+    const int listRequest = m_context.beginListing();
+    const auto requested = qScopeGuard([this, listRequest] { m_context.endListing(listRequest); });
     m_previousFolder = m_context.CurrentFolder();
     m_previousFileName = m_context.CurrentFileName();
     m_context.setFolder(folder);
     m_state.OutputFolder = folder;
     stopIndexPage();
     QCoreApplication::processEvents();
+    if (m_context.listingSuperseded(listRequest)) {
+        setWaitCursor(false);
+        return;
+    }
     if (!m_fromHistory)
         Inserisci_URL(m_context.CurrentFolder());
     m_fromHistory = false;
