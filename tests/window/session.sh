@@ -12,7 +12,9 @@ in_xvfb()
     # Qt offers its widgets to screen readers only when asked to or when a
     # desktop says one runs.
     export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 NO_AT_BRIDGE=0
-    exec xvfb-run -a -s "-screen 0 ${1}x24" dbus-run-session -- bash "${@:2}"
+    # -noreset: the server stays up when the last program closes, so the
+    # next one started does not meet it resetting.
+    exec xvfb-run -a -s "-screen 0 ${1}x24 -noreset" dbus-run-session -- bash "${@:2}"
 }
 
 # What a screen reader finds in the program's shown windows, a line each:
