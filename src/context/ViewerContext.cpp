@@ -117,7 +117,7 @@ bool ViewerContext::chooseFile(const ShowRequest &request)
 {
     if (request.nameIsFullPath) {
         const qsizetype cut = request.name.lastIndexOf(QLatin1Char('/'));
-        m_folder = cut > 0 ? request.name.left(cut) : QStringLiteral("/");
+        setFolder(cut > 0 ? request.name.left(cut) : QStringLiteral("/"));
         m_fileName = request.name.mid(cut + 1);
         return true;
     }
@@ -137,12 +137,12 @@ bool ViewerContext::chooseFile(const ShowRequest &request)
     return !m_fileName.isEmpty();
 }
 
-bool ViewerContext::runShow(const ShowRequest &request)
+void ViewerContext::runShow(const ShowRequest &request)
 {
     Q_ASSERT(m_presenter);
     m_presenter->clearSelection();
     if (request.steps != 0 && !moveThroughList(request.steps, request.wraps))
-        return false; // a move that stops keeps what shows
+        return; // a move that stops keeps what shows
 
     m_presenter->releaseShown();
     m_animating = false;
@@ -153,12 +153,12 @@ bool ViewerContext::runShow(const ShowRequest &request)
     if (!m_presenter->showsAtOnce(upcoming)) {
         QCoreApplication::processEvents();
         if (superseded())
-            return false;
+            return;
     }
 
     if (!chooseFile(request)) {
         m_presenter->showNothing();
-        return false;
+        return;
     }
     const QString path = currentPath();
     m_sizeText = FileSizeText(path, m_messages);
@@ -185,18 +185,17 @@ bool ViewerContext::runShow(const ShowRequest &request)
         break;
     }
     if (superseded())
-        return false;
+        return;
 
     if (reachedButtons) {
         m_presenter->enableFileCommands();
         QCoreApplication::processEvents();
         if (superseded())
-            return false;
+            return;
         m_presenter->updateNavigation();
     }
     if (m_fullScreen)
         m_presenter->followInFullScreen(m_shownClass);
     m_presenter->showStatusRow(m_shownClass);
     emit fileShown(path);
-    return true;
 }

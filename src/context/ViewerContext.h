@@ -118,8 +118,8 @@ signals:
     void fullScreenChanged(bool on);
 
 private:
-    // False when the request was superseded or stopped before the file showed.
-    bool runShow(const ShowRequest &request);
+    // Gives up at its next turn of the event loop when a newer request waits.
+    void runShow(const ShowRequest &request);
     bool moveThroughList(int steps, bool wraps);
     bool chooseFile(const ShowRequest &request);
     bool superseded() const { return m_waiting.has_value(); }

@@ -218,9 +218,12 @@ void frmMain::connectHandlers()
     connect(ImgEgg, &PictureView::released, this, &frmMain::ImgEgg_MouseUp);
     connect(ImgEgg, &PictureView::partNeeded, this, &frmMain::fillPictureView);
     for (QRadioButton *option : Option1)
-        connect(option, &QRadioButton::toggled, this, [this](bool checked) {
-            if (checked)
-                Option1_Click();
+        connect(option, &QRadioButton::toggled, this, [this, option](bool checked) {
+            if (!checked)
+                return;
+            m_context.setDisplayMode(option == Option1[0] ? ViewerContext::DisplayMode::Fit
+                                                          : ViewerContext::DisplayMode::ActualSize);
+            Option1_Click();
         });
 
     connect(qApp, &QGuiApplication::applicationStateChanged, this,

@@ -354,6 +354,7 @@ private:
     void resizePicture(QSize shown);
     void setShownPicture(const PictureLoader::Picture &loaded); // in the picture control and the context
     void showMovie(const QString &path, double startPosition);
+    bool fitsWindow() const { return m_context.displayMode() == ViewerContext::DisplayMode::Fit; }
     void fitOrActualSize();
     void fitOrActualSizeMovie();
     void chooseViewMode(int option);
@@ -424,7 +425,6 @@ private:
     bool m_keepDisplay = false;
     bool m_cropSelectionActive = false;
     double m_fitPercent = 100;
-    double m_zoomPercent = 0;      // 0: the mode of Option1 applies
     int m_pendingSteps = 0;        // key presses not shown yet, back negative
     bool m_stepsQueued = false;
     bool m_showingSteps = false;

@@ -121,10 +121,10 @@ void frmMain::showPicture(const QString &path)
 {
     MediaPlayer1->hide();
     WebBrowser1->hide();
-    m_zoomPercent = 0; // the next picture shows in the mode of Option1
+    m_context.setZoomPercent(0); // the next picture shows in the mode of Option1
     // Never more pixels than show: fit mode decodes a large JPEG at a reduced
     // scale, actual size only the part that shows at first.
-    const PictureLoader::Picture loaded = loadForDisplay(path, Option1[0]->isChecked());
+    const PictureLoader::Picture loaded = loadForDisplay(path, fitsWindow());
     setShownPicture(loaded);
     ImgEgg->setDrawing(m_context.FileTypeCode() == u"SVG");
     fitOrActualSize();

@@ -135,10 +135,10 @@ void frmMain::Form_Resize()
     const double areaWidth = windowWidth - SideReserve;
     const double areaHeight = windowHeight - DisplayTop - BottomReserve;
     WebBrowser1->setGeometry(m_twips.toPixels(0, DisplayTop, areaWidth, areaHeight));
-    m_zoomPercent = 0; // a resize ends an explicit zoom
+    m_context.setZoomPercent(0); // a resize ends an explicit zoom
     if (m_context.MainMovieLoaded() && isVisible())
         fitOrActualSizeMovie();
-    if (!ImgEgg->isEmpty() && Option1[0]->isChecked()) {
+    if (!ImgEgg->isEmpty() && fitsWindow()) {
         const QSizeF picture = pictureTwipsOf(ImgEgg->naturalSize());
         const double ratio = ZoomRules::resizeFitRatio(picture, windowTwips(), m_twips.fromPixelsY(ImgEgg->y()));
         if (ratio > 0) {

@@ -194,7 +194,7 @@ void frmMain::SaveUserSettings()
     settings.write(UserDef, QStringLiteral("savDir"), m_state.SaveFolder);
     settings.write(UserDef, QStringLiteral("frmMainLeft"), QString::number(qRound(m_twips.fromPixelsX(x()))));
     settings.write(UserDef, QStringLiteral("frmMainTop"), QString::number(qRound(m_twips.fromPixelsY(y()))));
-    settings.write(UserDef, QStringLiteral("opt1i0"), SettingsText::fromOption(Option1[0]->isChecked()));
+    settings.write(UserDef, QStringLiteral("opt1i0"), SettingsText::fromOption(fitsWindow()));
     settings.write(UserDef, QStringLiteral("swAnim"), SettingsText::fromBool(m_state.AnimateGifs));
     settings.flush();
 

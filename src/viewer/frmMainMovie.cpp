@@ -31,7 +31,7 @@ void frmMain::connectMovieHandlers()
     connect(MediaPlayer1, &MoviePlayer::keyPressed, this, &frmMain::MediaPlayer1_KeyPress);
     connect(MediaPlayer1, &MoviePlayer::displaySizeChanged, this, &frmMain::MediaPlayer1_DisplaySizeChange);
     connect(MediaPlayer1, &MoviePlayer::videoSizeKnown, this, [this] {
-        if (m_context.MainMovieLoaded() && m_zoomPercent == 0)
+        if (m_context.MainMovieLoaded() && m_context.zoomPercent() == 0)
             fitOrActualSizeMovie();
     });
 }

@@ -42,7 +42,7 @@ PictureLoader::Picture frmMain::loadForDisplay(const QString &path, bool fitted)
 bool frmMain::shownAtOnce(const QString &path) const
 {
     return m_prefetch
-        && m_prefetch->isReady(path, displayTarget(Option1[0]->isChecked(), fitTarget(), actualSizeViewport()));
+        && m_prefetch->isReady(path, displayTarget(fitsWindow(), fitTarget(), actualSizeViewport()));
 }
 
 void frmMain::prefetchNeighbours()
@@ -52,7 +52,7 @@ void frmMain::prefetchNeighbours()
             m_prefetch->hold({}, {});
         return;
     }
-    const bool fitted = Option1[0]->isChecked();
+    const bool fitted = fitsWindow();
     // Spelled as currentPath() spells them, so that the shown one is found.
     const QString folder = m_context.CurrentFolder().endsWith(QLatin1Char('/')) ? m_context.CurrentFolder()
                                                                             : m_context.CurrentFolder() + QLatin1Char('/');

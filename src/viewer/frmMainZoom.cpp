@@ -17,13 +17,13 @@
 void frmMain::cmdExpand_Click()
 {
     ClearCropSelection();
-    ZoomTo(ZoomRules::zoomIn(m_zoomPercent));
+    ZoomTo(ZoomRules::zoomIn(m_context.zoomPercent()));
 }
 
 void frmMain::cmdReduce_Click()
 {
     ClearCropSelection();
-    ZoomTo(ZoomRules::zoomOut(m_zoomPercent));
+    ZoomTo(ZoomRules::zoomOut(m_context.zoomPercent()));
 }
 
 void frmMain::mnuZoom_Click(int percent)
@@ -62,7 +62,7 @@ void frmMain::ZoomTo(int percent)
         fillPictureView();
         ImgEgg->show();
     }
-    m_zoomPercent = percent;
+    m_context.setZoomPercent(percent);
     LabZoom->setText(ViewRules::zoomLabel(percent));
     layoutStatusRow();
     restartSlideTimerIfOn();
@@ -89,7 +89,7 @@ void frmMain::Option1_Click()
     if (!m_modeClickLive)
         return;
     setWaitCursor(true);
-    m_zoomPercent = 0;
+    m_context.setZoomPercent(0);
     fitOrActualSize();
     layoutStatusRow();
     prefetchNeighbours(); // for the new mode: fitted, or the parts that will show
@@ -110,7 +110,7 @@ void frmMain::fitOrActualSize()
         return;
     }
     int percent = 100;
-    if (Option1[0]->isChecked()) {
+    if (fitsWindow()) {
         const QSizeF naturalTwips = pictureTwipsOf(natural);
         const double ratio = ZoomRules::fitRatio(naturalTwips, windowTwips());
         if (ratio > 0)
@@ -138,7 +138,7 @@ void frmMain::fitOrActualSizeMovie()
     MediaPlayer1->setGeometry(m_twips.toPixels(0, ViewGeometry::DisplayTop, windowWidth - ViewGeometry::SideReserve,
                                                windowHeight - ViewGeometry::DisplayTop - ViewGeometry::BottomReserve));
     Centra_Image(MediaPlayer1);
-    const bool fit = Option1[0]->isChecked();
+    const bool fit = fitsWindow();
     {
         const QSignalBlocker quiet(MediaPlayer1); // a windowed size: no way back from full screen to run
         MediaPlayer1->setDisplaySize(fit ? MoviePlayer::FitToControl : MoviePlayer::NormalSize);
