@@ -11,7 +11,7 @@
 #include "platform/Launcher.h"
 #include "platform/Prompts.h"
 #include "viewer/FolderListing.h"
-#include "viewer/PicturePrefetch.h"
+#include "context/PicturePrefetch.h"
 #include "viewer/frmMain.h"
 
 #include <QCoreApplication>

@@ -5,7 +5,7 @@
 #include "support/WindowProbe.h"
 #include "bench/BenchWindow.h"
 #include "platform/PictureLoader.h"
-#include "viewer/PicturePrefetch.h"
+#include "context/PicturePrefetch.h"
 #include "viewer/frmMain.h"
 
 #include <QColorSpace>

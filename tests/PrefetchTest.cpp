@@ -3,8 +3,8 @@
 #include "support/MainWindowFixture.h"
 
 #include "platform/PictureLoader.h"
-#include "viewer/PicturePrefetch.h"
-#include "viewer/PrefetchRules.h"
+#include "context/PicturePrefetch.h"
+#include "context/PrefetchRules.h"
 
 #include <QFile>
 #include <QPainter>

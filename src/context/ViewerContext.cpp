@@ -1,6 +1,7 @@
 #include "context/ViewerContext.h"
 
 #include "context/DisplayPresenter.h"
+#include "context/PicturePrefetch.h"
 #include "context/StepRules.h"
 #include "core/FileSizeText.h"
 
@@ -50,6 +51,13 @@ void ViewerContext::endListing(int listing)
 {
     if (listing == m_listing)
         m_listingUnderWay = false;
+}
+
+PicturePrefetch &ViewerContext::prefetch()
+{
+    if (!m_prefetch)
+        m_prefetch = std::make_unique<PicturePrefetch>();
+    return *m_prefetch;
 }
 
 void ViewerContext::setDisplayMode(DisplayMode mode)

@@ -7,9 +7,11 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
 #include <optional>
 
 class DisplayPresenter;
+class PicturePrefetch;
 class MessageCatalogue;
 
 // What the windows look at together: the folder, its list, the file shown
@@ -85,6 +87,10 @@ public:
     bool animatesShownFile() const { return m_animating; }
     void setAnimatesShownFile(bool on) { m_animating = on; }
 
+    // Pictures decoded ahead of the steps to come; made on first use.
+    PicturePrefetch &prefetch();
+    PicturePrefetch *prefetchIfMade() const { return m_prefetch.get(); }
+
     // How it shows: fitted or at actual size, and a chosen zoom (0: none).
     DisplayMode displayMode() const { return m_mode; }
     void setDisplayMode(DisplayMode mode);
@@ -147,6 +153,7 @@ private:
     double m_zoom = 0;
     bool m_fullScreen = false;
 
+    std::unique_ptr<PicturePrefetch> m_prefetch;
     DisplayPresenter *m_presenter = nullptr;
     bool m_showing = false;
     std::optional<ShowRequest> m_waiting;

@@ -475,7 +475,7 @@ private:
 
     // Pictures decoded ahead for fit mode (frmMainPrefetch.cpp).
 public:
-    PicturePrefetch &prefetch(); // made on first use
+    PicturePrefetch &prefetch(); // the context's
 private:
     QSize fitTarget() const; // the pixels fit mode decodes for
     QSize actualSizeViewport() const; // where a picture at actual size shows
@@ -492,7 +492,6 @@ private:
     // Once the listing ends: the early file's list position, without
     // showing it again. False when the list no longer has it.
     bool settleShownEarly(const QString &name);
-    std::shared_ptr<PicturePrefetch> m_prefetch; // shared_ptr: incomplete here
 
     // The shown folder as other programs change it (frmMainFolderWatch.cpp).
 public:

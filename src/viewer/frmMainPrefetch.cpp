@@ -5,18 +5,13 @@
 #include "display/PictureView.h"
 #include "platform/PictureLoader.h"
 #include "platform/PictureLoaderWait.h"
-#include "viewer/PartRules.h"
-#include "viewer/PicturePrefetch.h"
-#include "viewer/PrefetchRules.h"
+#include "context/PartRules.h"
+#include "context/PicturePrefetch.h"
+#include "context/PrefetchRules.h"
 
 #include <QRadioButton>
 
-PicturePrefetch &frmMain::prefetch()
-{
-    if (!m_prefetch)
-        m_prefetch = std::make_shared<PicturePrefetch>();
-    return *m_prefetch;
-}
+PicturePrefetch &frmMain::prefetch() { return m_context.prefetch(); }
 
 namespace {
 
@@ -41,15 +36,15 @@ PictureLoader::Picture frmMain::loadForDisplay(const QString &path, bool fitted)
 
 bool frmMain::shownAtOnce(const QString &path) const
 {
-    return m_prefetch
-        && m_prefetch->isReady(path, displayTarget(fitsWindow(), fitTarget(), actualSizeViewport()));
+    const PicturePrefetch *ahead = m_context.prefetchIfMade();
+    return ahead && ahead->isReady(path, displayTarget(fitsWindow(), fitTarget(), actualSizeViewport()));
 }
 
 void frmMain::prefetchNeighbours()
 {
     if (m_state.ProgramClosing) {
-        if (m_prefetch)
-            m_prefetch->hold({}, {});
+        if (PicturePrefetch *ahead = m_context.prefetchIfMade())
+            ahead->hold({}, {});
         return;
     }
     const bool fitted = fitsWindow();

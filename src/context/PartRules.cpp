@@ -1,4 +1,4 @@
-#include "viewer/PartRules.h"
+#include "context/PartRules.h"
 
 namespace PartRules {
 

@@ -1,9 +1,9 @@
-#include "viewer/PicturePrefetch.h"
+#include "context/PicturePrefetch.h"
 
 #include "core/FileTypeCatalogue.h"
 #include "platform/PictureLoaderWait.h"
-#include "viewer/PartRules.h"
-#include "viewer/PrefetchRules.h"
+#include "context/PartRules.h"
+#include "context/PrefetchRules.h"
 
 #include <QEventLoop>
 #include <QFile>

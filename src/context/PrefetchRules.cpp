@@ -1,4 +1,4 @@
-#include "viewer/PrefetchRules.h"
+#include "context/PrefetchRules.h"
 
 #include "core/FileTypeCatalogue.h"
 
