@@ -6,7 +6,7 @@ set -euo pipefail
 vimora=$(realpath "$1")
 source "$(dirname "$0")/session.sh"
 in_xvfb 1280x1024 "$0" "$vimora"
-source "$(dirname "$0")/journey_tools.sh"
+source "$(dirname "$0")/journey.sh"
 
 fresh_home
 mkdir -p "$work/pictures"
@@ -15,7 +15,7 @@ ini=$XDG_CONFIG_HOME/Vimora/Vimora.ini
 mimeapps=$XDG_CONFIG_HOME/mimeapps.list
 
 open_set_viewer() {
-    click button "Set Viewer"
+    click_on $'button\tSet Viewer'
     wait_text $'check\tJPG / JPEG' "Set Viewer"
 }
 
@@ -25,8 +25,8 @@ open_set_viewer() {
 # MIME database describes image/jpeg as "JPEG File" with Vimora's icon.
 linking_jpg_makes_vimora_the_desktops_viewer() {
     open_set_viewer
-    click check "JPG / JPEG"
-    click button "OK"
+    click_on $'check\tJPG / JPEG'
+    click_on $'button\tOK'
     wait_for "image/jpeg linked in mimeapps.list" grep -qx 'image/jpeg=vimora.desktop;' "$mimeapps"
     wait_for "JPG=Y in the settings" grep -qx 'JPG=Y' "$ini"
     for key in JPGIcon JPGComm JPGCmd JPEGIcon JPEGComm JPEGCmd; do
@@ -43,8 +43,8 @@ linking_jpg_makes_vimora_the_desktops_viewer() {
 # is vimora.desktop.
 linking_ivf_installs_its_type() {
     open_set_viewer
-    click check "IVF"
-    click button "OK"
+    click_on $'check\tIVF'
+    click_on $'button\tOK'
     wait_for "IVF=Y in the settings" grep -qx 'IVF=Y' "$ini"
     wait_for "the IVF type in the user's database" grep -q 'video/x-ivf:\*\.ivf' "$XDG_DATA_HOME/mime/globs2"
     [[ "$(xdg-mime query default video/x-ivf)" == vimora.desktop ]]
@@ -56,8 +56,8 @@ linking_ivf_installs_its_type() {
 # image/jpeg described as "JPG/JPEG File" without Vimora's icon.
 unlinking_jpg_gives_the_type_back() {
     open_set_viewer
-    click check "JPG / JPEG"
-    click button "OK"
+    click_on $'check\tJPG / JPEG'
+    click_on $'button\tOK'
     wait_for "JPG=N in the settings" grep -qx 'JPG=N' "$ini"
     wait_for "image/jpeg gone from mimeapps.list" bash -c "! grep -q '^image/jpeg=' '$mimeapps'"
     grep -qx 'video/x-ivf=vimora.desktop;' "$mimeapps"
@@ -70,8 +70,8 @@ unlinking_jpg_gives_the_type_back() {
 }
 
 start_window_manager
-start_on "$work/pictures/a.jpg" " a.jpg  - Vimora "
+start_vimora " a.jpg  - Vimora " "$work/pictures/a.jpg"
 linking_jpg_makes_vimora_the_desktops_viewer
 linking_ivf_installs_its_type
 unlinking_jpg_gives_the_type_back
-quit
+close_vimora

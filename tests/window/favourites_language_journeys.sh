@@ -5,7 +5,7 @@ set -euo pipefail
 vimora=$(realpath "$1")
 source "$(dirname "$0")/session.sh"
 in_xvfb 1280x1024 "$0" "$vimora"
-source "$(dirname "$0")/journey_tools.sh"
+source "$(dirname "$0")/journey.sh"
 
 fresh_home
 mkdir -p "$work/pictures"
@@ -17,22 +17,22 @@ pictures=$work/pictures
 # Expect: after Alt+A on a.jpg and c.jpg and a quit, the settings hold both;
 # started again, Alt+G shows the favourites window listing both, not b.jpg.
 favourites_survive_a_restart() {
-    start_on "$pictures/a.jpg" " a.jpg  - Vimora "
+    start_vimora " a.jpg  - Vimora " "$pictures/a.jpg"
     press alt+a
     press Down
     wait_title " b.jpg  - Vimora " "Down"
     press Down
     wait_title " c.jpg  - Vimora " "Down again"
     press alt+a
-    quit
+    close_vimora
     grep -q "=$pictures/a.jpg\$" "$ini" && grep -q "=$pictures/c.jpg\$" "$ini" \
         || { echo "${FUNCNAME[0]}: the settings lack a favourite" >&2; cat "$ini" >&2; exit 1; }
-    start_on "$pictures/b.jpg" " b.jpg  - Vimora "
+    start_vimora " b.jpg  - Vimora " "$pictures/b.jpg"
     press alt+g
     wait_text $'button\tClear List' "Alt+G"
-    wait_for "a.jpg listed" shown "list item" "$pictures/a.jpg"
-    shown "list item" "$pictures/c.jpg"
-    if shown "list item" "$pictures/b.jpg"; then echo "${FUNCNAME[0]}: b.jpg listed" >&2; exit 1; fi
+    wait_for "a.jpg listed" control_shown $'list item\t'"$pictures/a.jpg"
+    control_shown $'list item\t'"$pictures/c.jpg"
+    if control_shown $'list item\t'"$pictures/b.jpg"; then echo "${FUNCNAME[0]}: b.jpg listed" >&2; exit 1; fi
     echo "${FUNCNAME[0]}: both favourites came back"
 }
 
@@ -50,7 +50,7 @@ f2_from_every_window_switches_every_window() {
 
     xdotool windowactivate --sync "$main_window" 2>/dev/null || true
     press F2
-    click button "Italiano"
+    click_on $'button\tItaliano'
     wait_text $'button\tSvuota la cronologia dei percorsi' "F2 in the main window, Italiano"
     wait_text $'button\tPagina precedente' "the index after F2 in the main window"
     wait_text $'button\tSvuota elenco' "the favourites after F2 in the main window"
@@ -61,7 +61,7 @@ f2_from_every_window_switches_every_window() {
     wait_title " $pictures" "the index"
     xdotool windowactivate --sync "$found_window" 2>/dev/null || true
     press F2
-    click button "English"
+    click_on $'button\tEnglish'
     wait_text $'button\tClear path box' "F2 in the index, English"
     wait_text $'combo\tAll Supported' "the type filter after F2 in the index"
     wait_text $'button\tClear List' "the favourites after F2 in the index"
@@ -71,7 +71,7 @@ f2_from_every_window_switches_every_window() {
     wait_title "Global Operations" "the favourites window"
     xdotool windowactivate --sync "$found_window" 2>/dev/null || true
     press F2
-    click button "Italiano"
+    click_on $'button\tItaliano'
     wait_text $'button	Svuota elenco' "F2 in the favourites window, Italiano"
     wait_text $'button	Svuota la cronologia dei percorsi' "the main window after F2 in the favourites"
     wait_text $'button	Pagina precedente' "the index after F2 in the favourites"
@@ -81,4 +81,4 @@ f2_from_every_window_switches_every_window() {
 start_window_manager
 favourites_survive_a_restart
 f2_from_every_window_switches_every_window
-quit
+close_vimora

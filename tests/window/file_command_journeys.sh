@@ -5,7 +5,7 @@ set -euo pipefail
 vimora=$(realpath "$1")
 source "$(dirname "$0")/session.sh"
 in_xvfb 1280x1024 "$0" "$vimora"
-source "$(dirname "$0")/journey_tools.sh"
+source "$(dirname "$0")/journey.sh"
 
 fresh_home
 pictures=$work/pictures
@@ -61,11 +61,11 @@ undo_puts_the_name_back() {
 # shows it again.
 deleting_to_the_trash_answered_no_then_yes_then_undone() {
     press Delete
-    click button "No"
+    click_on $'button\tNo'
     wait_title " a.jpg  - Vimora " "Delete, No"
     [[ -f "$pictures/a.jpg" ]] || { echo "${FUNCNAME[0]}: No deleted the file" >&2; exit 1; }
     press Delete
-    click button "Yes"
+    click_on $'button\tYes'
     wait_for "a.jpg in the Trash" test -f "$trash/a.jpg"
     [[ ! -e "$pictures/a.jpg" ]]
     wait_title " b.jpg  - Vimora " "Delete, Yes"
@@ -106,11 +106,11 @@ moving_to_another_folder() {
 }
 
 start_window_manager
-start_on "$pictures/a.jpg" " a.jpg  - Vimora "
+start_vimora " a.jpg  - Vimora " "$pictures/a.jpg"
 make_a_copy_writes_an_equal_file
 renaming_with_the_rename_box
 undo_puts_the_name_back
 deleting_to_the_trash_answered_no_then_yes_then_undone
 file_info_names_the_file
 moving_to_another_folder
-quit
+close_vimora

@@ -12,7 +12,7 @@ main_window=""
 start_vimora() {
     local title=$1
     shift
-    "$vimora" "$@" &
+    "$vimora" "$@" 2>"$work/vimora.log" &
     pid=$!
     wait_title "$title" "start"
     xdotool windowactivate --sync "$main_window" 2>/dev/null || true
@@ -26,26 +26,33 @@ stop_vimora() {
 }
 
 # Closes the main window as a user does (openbox's Alt+F4) and waits for
-# the program to end.
+# the program to end; asked again when the keys went to a window still
+# being raised.
 close_vimora() {
-    xdotool windowactivate --sync "$main_window" 2>/dev/null || true
-    press alt+F4
-    for _ in $(seq 1 100); do
-        kill -0 "$pid" 2>/dev/null || { wait "$pid" 2>/dev/null || true; pid=""; return 0; }
-        sleep 0.1
+    kill -0 "$pid" 2>/dev/null || { echo "the program ended by itself" >&2; exit 1; }
+    for _ in 1 2 3; do
+        xdotool windowactivate --sync "$main_window" 2>/dev/null || true
+        press alt+F4
+        for _ in $(seq 1 50); do
+            kill -0 "$pid" 2>/dev/null || { wait "$pid" 2>/dev/null || true; pid=""; return 0; }
+            sleep 0.1
+        done
     done
     echo "Alt+F4 did not end the program" >&2
     exit 1
 }
 
-# Waits for a window of the program with that title; it becomes
-# $main_window when it is the main window's.
+# Waits for a window of the program with that title, shown or hidden (the
+# main window behind full screen); it becomes $found_window, and
+# $main_window too when it is the main window's.
+found_window=""
 wait_title() {
     local expected=$1 what=$2 title=""
-    for _ in $(seq 1 150); do
+    for _ in $(seq 1 300); do
         for window in $(xdotool search --pid "$pid" --name "." 2>/dev/null || true); do
             title=$(xdotool getwindowname "$window" 2>/dev/null || true)
             if [[ "$title" == "$expected" ]]; then
+                found_window=$window
                 [[ "$title" == *" - Vimora "* || "$title" == " Vimora" ]] && main_window=$window
                 return 0
             fi
@@ -54,8 +61,23 @@ wait_title() {
     done
     echo "after '$what': no window titled '$expected'; the screen showed:" >&2
     screen_text >&2
+    kill -0 "$pid" 2>/dev/null || echo "the program had ended" >&2
+    tail -5 "$work/vimora.log" >&2 2>/dev/null || true
     exit 1
 }
+
+# Waits until a command's test holds: wait_for "the copy" test -f "$file"
+wait_for() {
+    local what=$1
+    shift
+    for _ in $(seq 1 150); do "$@" && return 0; sleep 0.1; done
+    echo "never came: $what" >&2
+    screen_text >&2
+    exit 1
+}
+
+# Whether screen_text shows that line now: control_shown $'list item\ta.jpg'
+control_shown() { screen_text | grep -qxF -- "$1"; }
 
 # The id of the shown window of the program whose title holds that text.
 window_titled() {

@@ -79,7 +79,7 @@ index_keys() {
     shows b.jpg 2/3 "F5 in the index"
     wait_text $'label\tc.jpg' "F5 in the index"
     # Keys act on the thumbnail last touched, not on the file on show.
-    click_on "label:c.jpg"
+    click_inside "label:c.jpg"
     key Delete
     wait_text "$folder/c.jpg" "Delete over c.jpg in the index"
     key Return # No is the default answer

@@ -116,7 +116,7 @@ wait_text $'check\tCycle' "the keys on the Cycle check box"
 tab_to $'push button\tRefresh'
 keys_from "the Refresh button" $'push button\tRefresh'
 # The slider takes no focus: a click on it gives it to the window itself.
-click_on "scroll bar:Slideshow interval"
+click_inside "scroll bar:Slideshow interval"
 keys_from "a click on the slideshow slider" $'filler\t a.jpg  - Vimora '
 
 # The path box keeps typing, Backspace and Delete; Enter opens what was typed.
@@ -152,13 +152,13 @@ shows m.avi 2/3 "start on the movie"
 main_window=$(xdotool search --pid "$pid" --name "m.avi  - Vimora" | head -1)
 xdotool windowactivate --sync "$main_window" 2>/dev/null || true
 # Movies wait to be played.
-click_on "check box:Play Movie"
+click_inside "check box:Play Movie"
 
 # Clicks a place of the player with the movie on show.
 on_movie() { # where ("the player" or "the control bar"), how it is clicked
     shows m.avi 2/3 "before the keys on $1"
     shift
-    click_on "$@"
+    click_inside "$@"
 }
 for place in player bar; do
     if [[ $place == player ]]; then where=(filler:Movie); else where=(filler:Movie slider:); fi
@@ -182,9 +182,9 @@ for place in player bar; do
     echo "Down, PageUp, F5, Delete, Alt+G and Alt+T worked from the movie's $place"
 done
 shows m.avi 2/3 "before Space on the movie player"
-click_on "filler:Movie" "push button:Stop"
+click_inside "filler:Movie" "push button:Stop"
 wait_text $'button\tPlay' "Stop on the control bar"
-click_on "filler:Movie"
+click_inside "filler:Movie"
 key space
 wait_text $'button\tPause' "Space on the movie player"
 key space

@@ -7,7 +7,7 @@ set -euo pipefail
 vimora=$(realpath "$1")
 source "$(dirname "$0")/session.sh"
 in_xvfb 1280x1024 "$0" "$vimora"
-source "$(dirname "$0")/journey_tools.sh"
+source "$(dirname "$0")/journey.sh"
 
 fresh_home
 pictures=$work/pictures
@@ -45,7 +45,6 @@ setting_and_removing_the_wallpaper() {
     echo "${FUNCNAME[0]}: $(head -1 "$WALLPAPER_LOG")"
 }
 
-where() { /usr/bin/python3 "$(dirname "$0")/control_centre.py" "$1" "$2"; }
 
 # Guards: an area save after a crop drag that wrote nothing or the whole
 # picture.
@@ -97,7 +96,7 @@ printing_to_a_pdf_file() {
     press alt+p
     wait_title "Print" "Alt+P"
     xdotool windowactivate --sync "$found_window" 2>/dev/null || true
-    click button "Print"
+    click_on $'button\tPrint'
     wait_for "a PDF file" test -s "$HOME/print.pdf"
     wait_for "the whole PDF" grep -aq '%%EOF' "$HOME/print.pdf"
     grep -aq '/Subtype */Image' "$HOME/print.pdf" || { echo "${FUNCNAME[0]}: no picture in the PDF" >&2; exit 1; }
@@ -105,9 +104,9 @@ printing_to_a_pdf_file() {
 }
 
 start_window_manager
-start_on "$pictures/a.jpg" " a.jpg  - Vimora "
+start_vimora " a.jpg  - Vimora " "$pictures/a.jpg"
 copying_to_the_clipboard
 setting_and_removing_the_wallpaper
 saving_a_dragged_area
 printing_to_a_pdf_file
-quit
+close_vimora

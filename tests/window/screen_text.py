@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Prints what a screen reader finds in Vimora's windows: one line per
-window ("window<TAB>its title") and one per label, button, check box or
-text field inside it ("label<TAB>text", ...), in the windows' order; the
+window ("window<TAB>its title") and one per label, button, check box,
+text field or list entry inside it ("label<TAB>text", ...), in the windows' order; the
 control with the keyboard focus also as "focus<TAB>its kind<TAB>its name".
 
 Reads the accessibility bus only, so a script sees what a user sees.
@@ -21,9 +21,10 @@ SHOWN_ROLES = {
     "text": "text",
     "combo box": "combo",
     "menu item": "menu item",
+    "list item": "list item",
 }
-# Tables and lists of a folder tree can hold thousands of rows.
-SKIPPED_ROLES = {"table cell", "list item", "table column header", "tree", "list"}
+# The folder tree and tables can hold thousands of rows.
+SKIPPED_ROLES = {"table cell", "table column header", "tree", "tree table", "table"}
 
 
 def centre(accessible):

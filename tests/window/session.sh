@@ -54,8 +54,8 @@ wait_no_text()
 }
 
 # Clicks a control as a user does, found by its kind and the start of its
-# name, each step inside the one before: click_on "filler:Movie" "slider:"
-click_on()
+# name, each step inside the one before: click_inside "filler:Movie" "slider:"
+click_inside()
 {
     local at
     at=$(/usr/bin/python3 "$(dirname "${BASH_SOURCE[0]}")/screen_text.py" Vimora --place "$@" 2>/dev/null || true)
