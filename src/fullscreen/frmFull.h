@@ -37,8 +37,8 @@ class frmFull : public QWidget, private frmFullControls {
 public:
     // A window of its own, kept by the owner so it never outlives it.
     frmFull(AppState &state, ViewerContext &context, FullViewHost &host, QWidget *owner);
-    bool isLoaded() const { return m_loaded; } // false once closed, while it waits to be deleted
     ~frmFull() override;
+    bool isLoaded() const { return m_loaded; } // false once closed, while it waits to be deleted
 
     void Form_Load();
     void MostraFullImage();
