@@ -78,6 +78,8 @@ void ViewerContext::setFullScreenActive(bool on)
 
 void ViewerContext::show(const ShowRequest &request)
 {
+    if (!m_presenter)
+        return; // the main window is gone: nothing shows files any more
     if (m_showing) {
         // Steps waiting add up; any other request replaces what waits.
         if (m_waiting && m_waiting->steps != 0 && request.steps != 0) {
@@ -147,7 +149,6 @@ bool ViewerContext::chooseFile(const ShowRequest &request)
 
 void ViewerContext::runShow(const ShowRequest &request)
 {
-    Q_ASSERT(m_presenter);
     m_presenter->clearSelection();
     if (request.steps != 0 && !moveThroughList(request.steps, request.wraps))
         return; // a move that stops keeps what shows
