@@ -3,14 +3,10 @@
 # open its files with Vimora, unlink it again. Read from the files Vimora
 # writes (mimeapps.list, its settings, the user's MIME database).
 set -euo pipefail
-vimora=$(realpath "$1")
-source "$(dirname "$0")/session.sh"
-in_xvfb 1280x1024 "$0" "$vimora"
 source "$(dirname "$0")/journey.sh"
+begin_journeys "$@"
 
-fresh_home
-mkdir -p "$work/pictures"
-convert -size 320x240 xc:orange "$work/pictures/a.jpg"
+orange_pictures "$work/pictures" a
 ini=$XDG_CONFIG_HOME/Vimora/Vimora.ini
 mimeapps=$XDG_CONFIG_HOME/mimeapps.list
 
@@ -69,7 +65,6 @@ unlinking_jpg_gives_the_type_back() {
     echo "${FUNCNAME[0]}: unlinked, IVF left as it was"
 }
 
-start_window_manager
 start_vimora " a.jpg  - Vimora " "$work/pictures/a.jpg"
 linking_jpg_makes_vimora_the_desktops_viewer
 linking_ivf_installs_its_type

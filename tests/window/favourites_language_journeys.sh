@@ -2,14 +2,10 @@
 # The favourites list kept across a restart, and the language switched with
 # F2 from each window: every shown window's texts follow.
 set -euo pipefail
-vimora=$(realpath "$1")
-source "$(dirname "$0")/session.sh"
-in_xvfb 1280x1024 "$0" "$vimora"
 source "$(dirname "$0")/journey.sh"
+begin_journeys "$@"
 
-fresh_home
-mkdir -p "$work/pictures"
-for name in a b c; do convert -size 320x240 xc:orange "$work/pictures/$name.jpg"; done
+orange_pictures "$work/pictures" a b c
 ini=$XDG_CONFIG_HOME/Vimora/Vimora.ini
 pictures=$work/pictures
 
@@ -78,7 +74,6 @@ f2_from_every_window_switches_every_window() {
     echo "${FUNCNAME[0]}: every window followed F2 from each of the three"
 }
 
-start_window_manager
 favourites_survive_a_restart
 f2_from_every_window_switches_every_window
 close_vimora

@@ -2,12 +2,9 @@
 # Each file command of the main window as a user gives it, by key, in a real
 # X server; read from the title, the windows' texts and the files on disk.
 set -euo pipefail
-vimora=$(realpath "$1")
-source "$(dirname "$0")/session.sh"
-in_xvfb 1280x1024 "$0" "$vimora"
 source "$(dirname "$0")/journey.sh"
+begin_journeys "$@"
 
-fresh_home
 pictures=$work/pictures
 mkdir -p "$pictures" "$work/elsewhere"
 convert -size 320x240 xc:orange "$pictures/a.jpg"
@@ -105,7 +102,6 @@ moving_to_another_folder() {
     echo "${FUNCNAME[0]}: a.jpg moved"
 }
 
-start_window_manager
 start_vimora " a.jpg  - Vimora " "$pictures/a.jpg"
 make_a_copy_writes_an_equal_file
 renaming_with_the_rename_box

@@ -4,17 +4,12 @@
 # folder button. Read through the windows' texts as a screen reader reads
 # them and the window titles.
 set -euo pipefail
-vimora=$(realpath "$1")
-
 source "$(dirname "$0")/journey.sh"
-in_xvfb 1280x1024 "$0" "$@"
-
-fresh_home
-start_window_manager
+begin_journeys "$@"
 
 pictures="$work/pictures"
 mkdir -p "$pictures/sub"
-for name in a b sub/d; do convert -size 320x240 xc:orange "$pictures/$name.jpg"; done
+orange_pictures "$pictures" a b sub/d
 
 # Replaces the path box's text with that folder and presses Enter.
 type_into_path_box() {

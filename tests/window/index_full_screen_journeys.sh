@@ -4,13 +4,8 @@
 # a cell, and the full-screen popup with its save dialog. Read through the
 # windows' texts as a screen reader reads them, titles and files on disk.
 set -euo pipefail
-vimora=$(realpath "$1")
-
 source "$(dirname "$0")/journey.sh"
-in_xvfb 1280x1024 "$0" "$@"
-
-fresh_home
-start_window_manager
+begin_journeys "$@"
 
 # Thirty pictures and two clips: a page of 24, then one of 6 and the movies.
 folder="$work/folder"

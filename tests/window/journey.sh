@@ -5,6 +5,24 @@
 
 source "$(dirname "${BASH_SOURCE[0]}")/session.sh"
 
+# Starts a journey script with the program's path as its argument: the
+# script runs again under an X server of its own, then gets a fresh home
+# ($work) and openbox. Sets $vimora.
+begin_journeys() {
+    vimora=$(realpath "$1")
+    in_xvfb 1280x1024 "$0" "$vimora"
+    fresh_home
+    start_window_manager
+}
+
+# Orange 320 x 240 JPEGs of these names (without ".jpg") in that folder.
+orange_pictures() {
+    local folder=$1 name
+    shift
+    mkdir -p "$folder"
+    for name in "$@"; do convert -size 320x240 xc:orange "$folder/$name.jpg"; done
+}
+
 main_window=""
 
 # Starts the program on that file (or with no argument) and waits for its

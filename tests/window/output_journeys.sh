@@ -4,12 +4,9 @@
 # from the clipboard (xclip), files on disk and what stand-ins on PATH for
 # the desktop's programs were given.
 set -euo pipefail
-vimora=$(realpath "$1")
-source "$(dirname "$0")/session.sh"
-in_xvfb 1280x1024 "$0" "$vimora"
 source "$(dirname "$0")/journey.sh"
+begin_journeys "$@"
 
-fresh_home
 pictures=$work/pictures
 mkdir -p "$pictures" "$work/bin"
 convert -size 320x240 xc:orange "$pictures/a.jpg"
@@ -103,7 +100,6 @@ printing_to_a_pdf_file() {
     echo "${FUNCNAME[0]}: print.pdf holds the picture"
 }
 
-start_window_manager
 start_vimora " a.jpg  - Vimora " "$pictures/a.jpg"
 copying_to_the_clipboard
 setting_and_removing_the_wallpaper

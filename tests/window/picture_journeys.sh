@@ -4,14 +4,9 @@
 # keys and buttons, and the fit after the window is resized and maximised.
 # Read through the status row as a screen reader reads it, and screenshots.
 set -euo pipefail
-vimora=$(realpath "$1")
 corpus=$(realpath "$(dirname "$0")/../corpus")
-
 source "$(dirname "$0")/journey.sh"
-in_xvfb 1280x1024 "$0" "$@"
-
-fresh_home
-start_window_manager
+begin_journeys "$@"
 
 # One file of each picture type, named so that they list in this order,
 # with the size each one truly has.

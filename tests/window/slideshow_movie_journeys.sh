@@ -3,17 +3,11 @@
 # window manager, read through the status row and the player's time as a
 # screen reader reads them, and the windows on screen.
 set -euo pipefail
-vimora=$(realpath "$1")
-
 source "$(dirname "$0")/journey.sh"
-in_xvfb 1280x1024 "$0" "$@"
-
-fresh_home
-start_window_manager
+begin_journeys "$@"
 
 pictures="$work/pictures"
-mkdir -p "$pictures"
-for name in a b c; do convert -size 320x240 xc:orange "$pictures/$name.jpg"; done
+orange_pictures "$pictures" a b c
 
 # Guards: the slideshow walks on by itself and loops past the last file;
 # Space stops it, and the closing program keeps it stopped in the settings.
