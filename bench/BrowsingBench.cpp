@@ -1,7 +1,7 @@
 // Listing a large folder, and showing a large JPEG in fit mode.
 #include "bench/BenchTable.h"
-#include "support/WindowProbe.h"
 #include "bench/BenchWindow.h"
+#include "support/WindowProbe.h"
 
 #include "core/AppState.h"
 #include "core/FileTypeCatalogue.h"

@@ -3,8 +3,8 @@
 // are measured in a fresh process each (the bench binary again, --child),
 // so that no figure carries another's.
 #include "bench/BenchTable.h"
-#include "support/WindowProbe.h"
 #include "bench/BenchWindow.h"
+#include "support/WindowProbe.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -2,10 +2,10 @@
 // own command-line decoder on the same file, and what converting a photo's
 // colour profile to sRGB adds to decoding it.
 #include "bench/BenchTable.h"
-#include "support/WindowProbe.h"
 #include "bench/BenchWindow.h"
-#include "platform/PictureLoader.h"
 #include "context/PicturePrefetch.h"
+#include "platform/PictureLoader.h"
+#include "support/WindowProbe.h"
 #include "viewer/frmMain.h"
 
 #include <QColorSpace>

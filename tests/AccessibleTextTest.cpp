@@ -1,7 +1,7 @@
 #include "files/frmList.h"
-#include "support/WindowProbe.h"
 #include "index/frmIndex.h"
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include <QAccessible>
 #include <QAbstractButton>

@@ -1,10 +1,10 @@
 #include "core/AppState.h"
-#include "support/WindowProbe.h"
 #include "core/MessageCatalogue.h"
 #include "files/Favourites.h"
 #include "files/FileCommands.h"
 #include "files/frmList.h"
 #include "support/FakeSeams.h"
+#include "support/WindowProbe.h"
 
 #include <QCheckBox>
 #include <QDir>

@@ -26,20 +26,7 @@ QStringList namesIn(const QString &folder)
     return QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
 }
 
-struct FileOpsFixture : ::testing::Test {
-    QTemporaryDir root;
-    ScriptedPrompts prompts;
-    MessageCatalogue messages;
-    QStringList released;
-    FileContext context{prompts, messages, [this](const QString &path) { released.append(path); }, {}};
-
-    QString folder(const QString &name)
-    {
-        const QString path = root.path() + '/' + name;
-        QDir().mkpath(path);
-        return path;
-    }
-};
+struct FileOpsFixture : FileChoreFixture {};
 
 // A disk that fills up after a number of bytes.
 class FullDiskTarget : public CopyTarget {

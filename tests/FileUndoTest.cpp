@@ -15,19 +15,7 @@
 
 namespace {
 
-struct Undo : ::testing::Test {
-    QTemporaryDir root;
-    ScriptedPrompts prompts;
-    MessageCatalogue messages;
-    QStringList released;
-    FileContext context{prompts, messages, [this](const QString &path) { released.append(path); }, {}};
-
-    QString folder(const QString &name)
-    {
-        const QString path = root.path() + '/' + name;
-        QDir().mkpath(path);
-        return path;
-    }
+struct Undo : FileChoreFixture {
     // The file sent to the Trash as Delete sends it; where it went.
     QString trash(const QString &path)
     {

@@ -1,8 +1,8 @@
 // The shown folder as other programs change it.
 #include "index/frmIndex.h"
-#include "support/WindowProbe.h"
 #include "platform/Drives.h"
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 #include "viewer/FolderListing.h"
 #include "viewer/FolderWatch.h"
 

@@ -1,6 +1,6 @@
 #include "support/MainWindowFixture.h"
-#include "support/WindowProbe.h"
 #include "support/TestClips.h"
+#include "support/WindowProbe.h"
 
 #include "display/AnimationView.h"
 #include "files/frmList.h"

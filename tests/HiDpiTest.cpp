@@ -1,13 +1,13 @@
 // Runs at the scale factor of its environment: ctest runs it again under
 // QT_SCALE_FACTOR 1.5 and 2 (tests/CMakeLists.txt).
 #include "display/ViewGeometry.h"
-#include "support/WindowProbe.h"
 #include "fullscreen/frmFull.h"
 #include "index/ThumbnailCache.h"
 #include "index/frmIndex.h"
 #include "platform/MoviePlayer.h"
 #include "support/MainWindowFixture.h"
 #include "support/TestClips.h"
+#include "support/WindowProbe.h"
 
 #include <QDir>
 #include <QFileInfo>

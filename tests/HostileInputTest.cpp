@@ -1,6 +1,6 @@
 #include "support/FakeSeams.h"
-#include "support/WindowProbe.h"
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include "core/ProfileReader.h"
 #include "core/SettingsStore.h"

@@ -1,11 +1,11 @@
 // The index's commands reach the real file, favourites, output and launch
 // features through the main window.
 #include "files/frmList.h"
-#include "support/WindowProbe.h"
 #include "index/frmIndex.h"
 #include "platform/MoviePlayer.h"
 #include "support/MainWindowFixture.h"
 #include "support/TestClips.h"
+#include "support/WindowProbe.h"
 
 #include <QAction>
 #include <QClipboard>

@@ -1,8 +1,8 @@
 #include "index/frmIndex.h"
-#include "support/WindowProbe.h"
 #include "platform/MoviePlayer.h"
 #include "support/MainWindowFixture.h"
 #include "support/TestClips.h"
+#include "support/WindowProbe.h"
 
 #include <QApplication>
 #include <QFrame>

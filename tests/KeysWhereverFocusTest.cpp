@@ -1,12 +1,12 @@
 // The key tables pressed as a user presses them: on the real windows, with
 // the focus left where Tab or a click puts it.
 #include "files/frmList.h"
-#include "support/WindowProbe.h"
 #include "fullscreen/frmFull.h"
 #include "index/frmIndex.h"
 #include "platform/MoviePlayer.h"
 #include "support/MainWindowFixture.h"
 #include "support/TestClips.h"
+#include "support/WindowProbe.h"
 
 #include <QApplication>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "support/MainWindowFixture.h"
-#include "support/WindowProbe.h"
 #include "support/Unprivileged.h"
+#include "support/WindowProbe.h"
 #include "viewer/ViewRules.h"
 
 #include <QCheckBox>

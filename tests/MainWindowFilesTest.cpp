@@ -1,5 +1,4 @@
 #include "core/AppState.h"
-#include "support/WindowProbe.h"
 #include "files/FileInfoText.h"
 #include "files/PlayerRelease.h"
 #include "files/TechRen.h"
@@ -8,6 +7,7 @@
 #include "platform/MoviePlayer.h"
 #include "support/MainWindowFixture.h"
 #include "support/TestClips.h"
+#include "support/WindowProbe.h"
 
 #include <QAction>
 #include <QFile>
@@ -19,21 +19,7 @@
 
 namespace {
 
-// A main window showing b.bmp of a folder with a.bmp, b.bmp and c.bmp.
-struct MainWindowFiles : ::testing::Test {
-    MainWindowFixture fixture;
-    QString folder = fixture.makeFolder("pics");
-    QStringList typed; // answers of the rename box
-
-    frmMain &start()
-    {
-        fixture.makeFiles(folder, {"a.bmp", "b.bmp", "c.bmp"});
-        fixture.settings().write("UserDef", "Language", "EN");
-        frmMain &window = fixture.start(folder + "/b.bmp");
-        window.setRenameBox([this](const QRect &, const QString &) { return typed.takeFirst(); });
-        return window;
-    }
-};
+struct MainWindowFiles : ThreePicturesWindow {};
 
 } // namespace
 

@@ -1,7 +1,7 @@
 #include "files/frmList.h"
-#include "support/WindowProbe.h"
 #include "index/frmIndex.h"
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include <QAction>
 #include <QFile>
@@ -14,19 +14,11 @@
 
 namespace {
 
-// A main window showing b.bmp of a folder with a.bmp, b.bmp and c.bmp,
-// b.bmp on the favourites list.
-struct MainWindowUndo : ::testing::Test {
-    MainWindowFixture fixture;
-    QString folder = fixture.makeFolder("pics");
-    QStringList typed; // answers of the rename box
-
+// The three pictures' window, b.bmp on the favourites list.
+struct MainWindowUndo : ThreePicturesWindow {
     frmMain &start()
     {
-        fixture.makeFiles(folder, {"a.bmp", "b.bmp", "c.bmp"});
-        fixture.settings().write("UserDef", "Language", "EN");
-        frmMain &window = fixture.start(folder + "/b.bmp");
-        window.setRenameBox([this](const QRect &, const QString &) { return typed.takeFirst(); });
+        frmMain &window = ThreePicturesWindow::start();
         QTest::keyClick(&window, Qt::Key_A, Qt::AltModifier);
         return window;
     }

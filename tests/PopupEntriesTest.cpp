@@ -1,13 +1,13 @@
 // Each window's real popup, opened by a right click as a user opens it, for
 // each class of file, read entry by entry.
 #include "display/AnimationView.h"
-#include "support/WindowProbe.h"
 #include "files/frmList.h"
 #include "fullscreen/frmFull.h"
 #include "index/frmIndex.h"
 #include "platform/MoviePlayer.h"
 #include "support/MainWindowFixture.h"
 #include "support/TestClips.h"
+#include "support/WindowProbe.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "support/HangingFile.h"
-#include "support/WindowProbe.h"
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 
 #include "platform/MoviePlayer.h"
 #include "platform/PictureLoaderWait.h"

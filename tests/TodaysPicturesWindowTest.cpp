@@ -1,7 +1,7 @@
 #include "display/AnimationView.h"
-#include "support/WindowProbe.h"
 #include "display/PictureView.h"
 #include "support/MainWindowFixture.h"
+#include "support/WindowProbe.h"
 #include "viewer/ViewRules.h"
 
 #include <QApplication>

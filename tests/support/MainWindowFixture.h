@@ -70,3 +70,20 @@ private:
     std::unique_ptr<LoggingIniStore> m_settings;
     std::unique_ptr<frmMain> m_window;
 };
+
+// A main window showing b.bmp of a folder with a.bmp, b.bmp and c.bmp; the
+// rename box answers with the names in `typed`.
+struct ThreePicturesWindow : ::testing::Test {
+    MainWindowFixture fixture;
+    QString folder = fixture.makeFolder("pics");
+    QStringList typed;
+
+    frmMain &start()
+    {
+        fixture.makeFiles(folder, {"a.bmp", "b.bmp", "c.bmp"});
+        fixture.settings().write("UserDef", "Language", "EN");
+        frmMain &window = fixture.start(folder + "/b.bmp");
+        window.setRenameBox([this](const QRect &, const QString &) { return typed.takeFirst(); });
+        return window;
+    }
+};
