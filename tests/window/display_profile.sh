@@ -5,13 +5,10 @@
 # the red keeps its numbers and the photo is shown in sRGB. Read from
 # screenshots.
 set -euo pipefail
-vimora=$(realpath "$1")
 corpus=$(realpath "$(dirname "$0")/../corpus")
+source "$(dirname "$0")/journey.sh"
+begin_journeys "$@"
 
-source "$(dirname "$0")/session.sh"
-in_xvfb 1280x1024 "$0" "$vimora"
-
-fresh_home
 mkdir -p "$work/pictures"
 photo=$corpus/wide-gamut-tests/P3-sRGB-red.jpg
 cp "$photo" "$work/pictures/b-photo.jpg"
@@ -21,7 +18,6 @@ import sys
 open(sys.argv[1], 'wb').write(b'P6\n400 300\n255\n' + b'\xff\x00\x00' * (400 * 300))
 PY
 convert "$work/red.ppm" BMP3:"$work/pictures/a-red.bmp"
-start_window_manager
 
 # The photo's own profile (its APP2 ICC_PROFILE segments, in order) is the screen's.
 screen_profile() {
@@ -63,20 +59,6 @@ print(5 * sum(1 for i in range(0, len(pixels) - 2, 15)
 PY
 }
 
-main_window=""
-wait_title() {
-    local expected=$1 title=""
-    for _ in $(seq 1 150); do
-        for window in $(xdotool search --pid "$pid" --name "Vimora" 2>/dev/null || true); do
-            title=$(xdotool getwindowname "$window" 2>/dev/null || true)
-            [[ "$title" == "$expected" ]] && { main_window=$window; return 0; }
-        done
-        sleep 0.1
-    done
-    echo "the window title was '${title:-none}', expected '$expected'" >&2
-    exit 1
-}
-
 # Waits until at least `least` screen pixels show the colour.
 wait_colour() {
     local what=$1 least=$2 count=0
@@ -93,16 +75,12 @@ wait_colour() {
 
 # The red is 400 x 300 at 100 %; the photo, 1000 x 1000, is fitted into the window.
 journey() {
-    "$vimora" "$work/pictures/a-red.bmp" & pid=$!
-    wait_title " a-red.bmp  - Vimora "
+    start_vimora " a-red.bmp  - Vimora " "$work/pictures/a-red.bmp"
     wait_colour "$1, the plain red" 100000 "${@:2:3}"
-    xdotool windowactivate --sync "$main_window" 2>/dev/null || true
     xdotool key --window "$main_window" Down
-    wait_title " b-photo.jpg  - Vimora "
+    wait_title " b-photo.jpg  - Vimora " "$1: Down"
     wait_colour "$1, the Display P3 photo" 100000 "${@:5:3}"
-    kill "$pid"
-    wait "$pid" 2>/dev/null || true
-    pid=""
+    stop_vimora
 }
 
 # The photo stores (234, 54, 40) for sRGB red in its profile, now the
