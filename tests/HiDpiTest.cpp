@@ -140,20 +140,32 @@ TEST(HiDpiWindow, APictureOfAnOddSizeIsNotResampledAt100Percent)
     EXPECT_EQ(pixelsDifferent(shown, board.copy(shown.rect())), 0) << window.devicePixelRatioF();
 }
 
+namespace {
+
+// Alt+T, then the index's first thumbnail once its page is in; null when none came.
+const QLabel *firstThumbnail(frmMain &window)
+{
+    QTest::keyClick(&window, Qt::Key_T, Qt::AltModifier);
+    frmIndex *index = window.indexWindow();
+    if (!index)
+        return nullptr;
+    const QLabel *cell = ui(index).cells[0].Image1;
+    const bool in = QTest::qWaitFor([&] { return !index->pageLoading() && !cell->pixmap().isNull(); }, 20000);
+    return in ? cell : nullptr;
+}
+
+} // namespace
+
 TEST(HiDpiWindow, ThumbnailsAreMadeAtTheDeviceSizeOfTheirCellAndDrawnUnscaled)
 {
     MainWindowFixture fixture;
     const QString folder = fixture.makeFolder("pics");
     const QString photo = fixture.makePicture(folder, "photo.jpg", {1200, 800});
     fixture.settings().write("UserDef", "Language", "EN");
-    frmMain &window = fixture.start(photo);
-    QTest::keyClick(&window, Qt::Key_T, Qt::AltModifier);
-    frmIndex *index = window.indexWindow();
-    ASSERT_NE(index, nullptr);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading() && !ui(index).cells[0].Image1->pixmap().isNull(); },
-                                20000));
-    const qreal ratio = index->devicePixelRatioF();
-    const QLabel &cell = *ui(index).cells[0].Image1;
+    const QLabel *thumbnail = firstThumbnail(fixture.start(photo));
+    ASSERT_NE(thumbnail, nullptr);
+    const QLabel &cell = *thumbnail;
+    const qreal ratio = cell.devicePixelRatioF();
     EXPECT_EQ(cell.pixmap().size(), (QSizeF(cell.size()) * ratio).toSize()) << ratio; // one pixel per device pixel
     EXPECT_EQ(cell.pixmap().devicePixelRatio(), ratio);
     // Above a scale of 1 the cell needs more than 128 pixels: the large thumbnails.
@@ -178,14 +190,10 @@ TEST(HiDpiWindow, ThumbnailsAlreadyInTheCacheAreReadInTheFlavourTheCellNeeds)
     ASSERT_TRUE(cache.write(photo, ThumbnailCache::Flavour::Normal, plain({128, 85}, Qt::green), {1200, 800}));
     ASSERT_TRUE(cache.write(photo, ThumbnailCache::Flavour::Large, plain({256, 171}, Qt::magenta), {1200, 800}));
     fixture.settings().write("UserDef", "Language", "EN");
-    frmMain &window = fixture.start(photo);
-    QTest::keyClick(&window, Qt::Key_T, Qt::AltModifier);
-    frmIndex *index = window.indexWindow();
-    ASSERT_NE(index, nullptr);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !index->pageLoading() && !ui(index).cells[0].Image1->pixmap().isNull(); },
-                                20000));
-    const QLabel &cell = *ui(index).cells[0].Image1;
-    const qreal ratio = index->devicePixelRatioF();
+    const QLabel *thumbnail = firstThumbnail(fixture.start(photo));
+    ASSERT_NE(thumbnail, nullptr);
+    const QLabel &cell = *thumbnail;
+    const qreal ratio = cell.devicePixelRatioF();
     const QImage shown = cell.pixmap().toImage();
     const QColor expected = qMax(cell.width(), cell.height()) * ratio > 128 ? Qt::magenta : Qt::green;
     EXPECT_EQ(shown.pixelColor(shown.width() / 2, shown.height() / 2), expected) << ratio;
