@@ -132,6 +132,17 @@ TEST(MainWindowBrowsing, PathBoxOpensFoldersWithoutReorderingTheHistory)
     QTest::keyClicks(ui(window).CboURL->lineEdit(), second.left(second.size() - 3));
     EXPECT_EQ(ui(window).CboURL->currentText(), second + '/');
 
+    // Keys that come faster than the box completes (a fast typist, a busy
+    // machine) are all kept: the completion follows the newest text.
+    QLineEdit *box = ui(window).CboURL->lineEdit();
+    box->clear();
+    const QString typed = second + "-new";
+    // The rest of the keys arrive while the box handles the first.
+    QTimer::singleShot(0, box, [&] { QTest::keyClicks(box, typed.mid(1)); });
+    QTest::keyClicks(box, typed.left(1));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ui(window).CboURL->currentText(), typed);
+
     fixture.prompts.answers = {PromptAnswer::Yes};
     ui(window).cmdClear->click();
     EXPECT_EQ(ui(window).CboURL->count(), 0);

@@ -254,16 +254,20 @@ void frmMain::CboURL_Change()
     if (!m_browserReady || m_completionRunning)
         return;
     stopSlideTimer();
+    m_completionRunning = true;
+    QCoreApplication::processEvents();
+    // Keys typed meanwhile count: the completion follows the newest text,
+    // or it would write over them.
     const QString typed = CboURL->currentText().trimmed();
     // Only text the user typed counts, not the completion shown after it:
     // otherwise every second key press would look like a deletion, and a
     // deleted completion would come straight back.
     const bool growing = typed.size() > m_lastTypedLength;
     m_lastTypedLength = typed.size();
-    if (!growing)
+    if (!growing) {
+        m_completionRunning = false;
         return;
-    m_completionRunning = true;
-    QCoreApplication::processEvents();
+    }
     QStringList history;
     for (int i = 0; i < CboURL->count(); ++i)
         history.append(CboURL->itemText(i));
