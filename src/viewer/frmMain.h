@@ -3,10 +3,10 @@
 #include "commands/CommandOffers.h"
 #include "context/DisplayPresenter.h"
 #include "context/ViewerContext.h"
-#include "fullscreen/FullViewHost.h"
 #include "display/ViewGeometry.h"
 #include "display/ZoomRules.h"
 #include "files/FileUndo.h"
+#include "fullscreen/FullViewHost.h"
 #include "platform/Drives.h"
 #include "viewer/LaunchPause.h"
 
@@ -153,7 +153,6 @@ public:
     // The chosen filter item's whole text: label, code and patterns.
     QString typeFilterText() const;
     CommandSet *commands; // what every button, key and popup of the window runs
-
 
     // Folder browser handlers.
     void Carica_ListaImages(QString name); // a copy: the caller often passes CurrentFileName, which the load clears
