@@ -244,3 +244,25 @@ TEST_F(ViewerContextTest, ANewerListingSupersedesTheOneUnderWay)
     EXPECT_TRUE(context.listingSuperseded(closing));
     EXPECT_FALSE(context.listingUnderWay());
 }
+
+TEST_F(ViewerContextTest, AnnouncesAFolderOrModeOnlyWhenItChanges)
+{
+    QSignalSpy folders(&context, &ViewerContext::folderChanged);
+    QSignalSpy modes(&context, &ViewerContext::modeChanged);
+    context.setFolder(folder.path()); // the same one
+    context.setDisplayMode(ViewerContext::DisplayMode::Fit);
+    EXPECT_TRUE(folders.isEmpty());
+    EXPECT_TRUE(modes.isEmpty());
+
+    // A file shown by its full path brings its folder along.
+    const QString other = folder.filePath("other");
+    QDir().mkpath(other);
+    QFile(other + "/x.jpg").open(QIODevice::WriteOnly);
+    ViewerContext::ShowRequest request = byName(other + "/x.jpg");
+    request.nameIsFullPath = true;
+    context.show(request);
+    ASSERT_EQ(folders.size(), 1);
+    EXPECT_EQ(folders[0][0].toString(), other);
+    context.setDisplayMode(ViewerContext::DisplayMode::ActualSize);
+    EXPECT_EQ(modes.size(), 1);
+}

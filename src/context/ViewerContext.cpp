@@ -68,14 +68,6 @@ void ViewerContext::setDisplayMode(DisplayMode mode)
     emit modeChanged();
 }
 
-void ViewerContext::setFullScreenActive(bool on)
-{
-    if (on == m_fullScreen)
-        return;
-    m_fullScreen = on;
-    emit fullScreenChanged(on);
-}
-
 void ViewerContext::show(const ShowRequest &request)
 {
     if (!m_presenter)

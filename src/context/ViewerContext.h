@@ -98,7 +98,7 @@ public:
     void setZoomPercent(double percent) { m_zoom = percent; }
     // The full-screen view follows each file shown.
     bool FullScreenActive() const { return m_fullScreen; }
-    void setFullScreenActive(bool on);
+    void setFullScreenActive(bool on) { m_fullScreen = on; }
 
     // Show requests: steps through the list, a name of the list, or a full
     // path; a movie starts at startPosition seconds. Runs at once unless a
@@ -121,7 +121,6 @@ signals:
     void listLoaded();
     void fileShown(const QString &path);
     void modeChanged();
-    void fullScreenChanged(bool on);
 
 private:
     // Gives up at its next turn of the event loop when a newer request waits.

@@ -62,6 +62,8 @@ frmIndex::frmIndex(AppState &state, ViewerContext &context, Prompts &prompts, La
         thumbnailArrived(result.cell, result.image, result.naturalSize);
     });
     connect(m_decoder, &ThumbnailDecoder::allDone, this, &frmIndex::picturesDone);
+    // A page of the folder before is of no use any more.
+    connect(&m_context, &ViewerContext::folderChanged, this, &frmIndex::stopPageBuild);
     m_durationPoll->setInterval(100);
     connect(m_durationPoll, &QTimer::timeout, this, [this] {
         bool waiting = false;

@@ -61,6 +61,8 @@ frmMain::frmMain(AppState &state, ViewerContext &context, Prompts &prompts, Laun
     m_context.setPresenter(this);
     // The neighbours are decoded ahead before anything else follows a shown file.
     connect(&m_context, &ViewerContext::fileShown, this, &frmMain::prefetchNeighbours);
+    // A new mode wants its own decodes: fitted, or the parts that will show.
+    connect(&m_context, &ViewerContext::modeChanged, this, &frmMain::prefetchNeighbours);
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral(" Vimora"));
     setAcceptDrops(true);

@@ -183,9 +183,8 @@ void frmMain::Dir1_Change()
     const auto requested = qScopeGuard([this, listRequest] { m_context.endListing(listRequest); });
     m_previousFolder = m_context.CurrentFolder();
     m_previousFileName = m_context.CurrentFileName();
-    m_context.setFolder(folder);
+    m_context.setFolder(folder); // the index gives up the page under way
     m_state.OutputFolder = folder;
-    stopIndexPage();
     QCoreApplication::processEvents();
     if (m_context.listingSuperseded(listRequest)) {
         setWaitCursor(false);

@@ -92,7 +92,6 @@ void frmMain::Option1_Click()
     m_context.setZoomPercent(0);
     fitOrActualSize();
     layoutStatusRow();
-    prefetchNeighbours(); // for the new mode: fitted, or the parts that will show
     setWaitCursor(false);
 }
 
