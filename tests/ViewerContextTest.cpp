@@ -210,6 +210,25 @@ TEST_F(ViewerContextTest, StepsPressedDuringADecodeAddUpAndTheNewestNameWins)
     EXPECT_EQ(context.CurrentIndex(), 1);
 }
 
+TEST_F(ViewerContextTest, AFolderReadDuringADecodeEndsTheShowOfTheFolderBefore)
+{
+    list({"a.jpg", "b.jpg"});
+    presenter.duringDecode = [this](const QString &) {
+        const int listing = context.beginListing(); // another folder, found empty
+        context.setList({}, QString());
+        context.endListing(listing);
+    };
+    context.show(byName("a.jpg"));
+    EXPECT_FALSE(presenter.calls.contains("commands"));
+    EXPECT_FALSE(presenter.calls.contains("status row"));
+    EXPECT_TRUE(shown.isEmpty());
+
+    // The next show is not held back by it.
+    list({"c.jpg"});
+    context.show(byName("c.jpg"));
+    EXPECT_EQ(shownNames(), QStringList({"c.jpg"}));
+}
+
 TEST_F(ViewerContextTest, ATickHandledWhileTheWindowClearsTakesOverBeforeTheDecode)
 {
     list({"a.jpg", "b.jpg"});

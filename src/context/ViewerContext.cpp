@@ -44,6 +44,7 @@ void ViewerContext::clearList() { m_names = QStringList{QString()}; }
 int ViewerContext::beginListing()
 {
     m_listingUnderWay = true;
+    m_listedSinceShowBegan = m_showing;
     return ++m_listing;
 }
 
@@ -141,6 +142,7 @@ bool ViewerContext::chooseFile(const ShowRequest &request)
 
 void ViewerContext::runShow(const ShowRequest &request)
 {
+    m_listedSinceShowBegan = false;
     m_presenter->clearSelection();
     if (request.steps != 0 && !moveThroughList(request.steps, request.wraps))
         return; // a move that stops keeps what shows

@@ -58,7 +58,8 @@ public:
     void setCurrentFileName(const QString &name) { m_fileName = name; }
 
     // The list is being read: a step has no file to land on until it ends.
-    // Each listing has a number; a newer one makes the older give up.
+    // Each listing has a number; a newer one makes the older give up, and
+    // a show under way gives up too: its file belongs to the list before.
     int beginListing();
     void endListing(int listing);
     void cancelListing() { ++m_listing; m_listingUnderWay = false; }
@@ -127,7 +128,7 @@ private:
     void runShow(const ShowRequest &request);
     bool moveThroughList(int steps, bool wraps);
     bool chooseFile(const ShowRequest &request);
-    bool superseded() const { return m_waiting.has_value(); }
+    bool superseded() const { return m_waiting.has_value() || m_listedSinceShowBegan; }
 
     const MessageCatalogue &m_messages;
     QString m_folder;
@@ -155,5 +156,6 @@ private:
     std::unique_ptr<PicturePrefetch> m_prefetch;
     DisplayPresenter *m_presenter = nullptr;
     bool m_showing = false;
+    bool m_listedSinceShowBegan = false;
     std::optional<ShowRequest> m_waiting;
 };

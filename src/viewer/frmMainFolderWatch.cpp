@@ -31,10 +31,12 @@ void frmMain::watchListedFolder()
 }
 
 // Not while the user is in the middle of something a re-read would disturb:
-// a crop selection, a press, a dialog, the full-screen view, another listing.
+// a crop selection, a press, a dialog, the full-screen view, another listing,
+// a file being shown (a listing would make its show give up).
 bool frmMain::folderChangeMustWait() const
 {
-    return m_context.listingUnderWay() || m_showingSteps || m_cropSelectionActive || m_context.FullScreenActive()
+    return m_context.listingUnderWay() || m_context.showUnderWay() || m_showingSteps || m_cropSelectionActive
+        || m_context.FullScreenActive()
         || QApplication::mouseButtons() != Qt::NoButton || QApplication::activeModalWidget() != nullptr
         || QApplication::activePopupWidget() != nullptr;
 }
