@@ -84,6 +84,13 @@ wait_title() {
     exit 1
 }
 
+# Title and position, as the window and its status row show them:
+# shows b.jpg 2/3 "Down"
+shows() {
+    wait_text $'window\t '"$1"'  - Vimora ' "$3"
+    wait_text $'label\t '"$2"' ' "$3"
+}
+
 # Waits until a command's test holds: wait_for "the copy" test -f "$file"
 wait_for() {
     local what=$1

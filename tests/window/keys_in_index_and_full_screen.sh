@@ -4,59 +4,32 @@
 # window's list (title and " n/3 "), act on the thumbnail last touched and
 # open or close windows.
 set -euo pipefail
-vimora=$(realpath "$1")
+source "$(dirname "$0")/journey.sh"
+begin_journeys "$@"
 
-source "$(dirname "$0")/session.sh"
-in_xvfb 1280x1024 "$0" "$vimora"
-
-fresh_home
 folder=$work/pictures
 mkdir -p "$folder"
 for name in a b c; do convert -size 640x480 xc:orange "$folder/$name.jpg"; done
-start_window_manager
 
-shows() { # file, position, after what
-    wait_text $'window\t '"$1"'  - Vimora ' "$3"
-    wait_text $'label\t '"$2"' ' "$3"
-}
-
-key() { xdotool key "$1"; }
-
-# The main window hides behind the full-screen view; its title, as a task
-# list shows it, still names the file.
-titled() { # file, after what
-    local title=""
-    for _ in $(seq 1 100); do
-        title=$(xdotool getwindowname "$main_window" 2>/dev/null || true)
-        [[ "$title" == " $1  - Vimora " ]] && return 0
-        sleep 0.1
-    done
-    echo "after '$2': the main window's title was '$title'" >&2
-    exit 1
-}
-
-"$vimora" "$folder/a.jpg" &
-pid=$!
+start_vimora " a.jpg  - Vimora " "$folder/a.jpg"
 shows a.jpg 1/3 "start"
-main_window=$(xdotool search --pid "$pid" --name "a.jpg  - Vimora" | head -1)
-xdotool windowactivate --sync "$main_window" 2>/dev/null || true
 
 full_screen_keys() {
     eval "$(xdotool getwindowgeometry --shell "$main_window")"
     xdotool mousemove --window "$main_window" $((WIDTH / 2)) $((HEIGHT / 2)) click --repeat 2 --delay 80 1
     wait_text $'window\t' "a double click on the picture"
-    key space
-    titled b.jpg "Space in full screen"
-    key Down
-    titled c.jpg "Down in full screen"
-    key Up
-    titled b.jpg "Up in full screen"
-    key Prior
-    titled a.jpg "PageUp in full screen"
-    key Next
-    titled b.jpg "PageDown in full screen"
+    press space
+    wait_title " b.jpg  - Vimora " "Space in full screen"
+    press Down
+    wait_title " c.jpg  - Vimora " "Down in full screen"
+    press Up
+    wait_title " b.jpg  - Vimora " "Up in full screen"
+    press Prior
+    wait_title " a.jpg  - Vimora " "PageUp in full screen"
+    press Next
+    wait_title " b.jpg  - Vimora " "PageDown in full screen"
     wait_text $'window\t' "paging in full screen" # still full screen
-    key Escape
+    press Escape
     wait_no_text $'window\t' "Escape in full screen"
     wait_text $'focus\tpush button\tVimora' "Escape in full screen" # the hidden button
     shows b.jpg 2/3 "Escape in full screen"
@@ -64,25 +37,25 @@ full_screen_keys() {
 }
 
 index_keys() {
-    key alt+t
+    press alt+t
     wait_text $'window\t '"$folder" "Alt+T"
     wait_text $'label\tc.jpg' "the index's page"
-    key Up
+    press Up
     shows a.jpg 1/3 "Up in the index"
-    key Next
+    press Next
     shows b.jpg 2/3 "PageDown in the index"
-    key Down
+    press Down
     shows c.jpg 3/3 "Down in the index"
-    key Prior
+    press Prior
     shows b.jpg 2/3 "PageUp in the index"
-    key F5
+    press F5
     shows b.jpg 2/3 "F5 in the index"
     wait_text $'label\tc.jpg' "F5 in the index"
     # Keys act on the thumbnail last touched, not on the file on show.
     click_inside "label:c.jpg"
-    key Delete
+    press Delete
     wait_text "$folder/c.jpg" "Delete over c.jpg in the index"
-    key Return # No is the default answer
+    press Return # No is the default answer
     wait_no_text "$folder/c.jpg" "answering No in the index"
     [[ -f "$folder/c.jpg" ]] || { echo "Delete answered No in the index removed c.jpg" >&2; exit 1; }
     shows b.jpg 2/3 "answering No in the index"
@@ -90,11 +63,11 @@ index_keys() {
 }
 
 favourites_keys() {
-    key alt+a # c.jpg, the thumbnail touched, goes on the list
-    key alt+g
+    press alt+a # c.jpg, the thumbnail touched, goes on the list
+    press alt+g
     wait_text $'window\tGlobal Operations' "Alt+G in the index"
     wait_text $'label\tSize of selected files : 4 K' "c.jpg added with Alt+A in the index"
-    key Escape
+    press Escape
     wait_no_text $'window\tGlobal Operations' "Escape in the favourites window"
     echo "Alt+A and Alt+G in the index listed the thumbnail touched, and Escape closed the list"
 }

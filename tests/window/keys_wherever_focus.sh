@@ -6,25 +6,12 @@
 # the windows that open. Then the movie player and its control bar, and the
 # path box, the one text field that keeps its typing.
 set -euo pipefail
-vimora=$(realpath "$1")
+source "$(dirname "$0")/journey.sh"
+begin_journeys "$@"
 
-source "$(dirname "$0")/session.sh"
-in_xvfb 1280x1024 "$0" "$vimora"
-
-fresh_home
 mkdir -p "$work/pictures/sub" "$work/movie"
 for name in a b c sub/d; do convert -size 640x480 xc:orange "$work/pictures/$name.jpg"; done
-start_window_manager
 
-# Shows: title and position, as the window and its status row show them.
-shows() { # file, position, after what
-    wait_text $'window\t '"$1"'  - Vimora ' "$3"
-    wait_text $'label\t '"$2"' ' "$3"
-}
-
-key() { xdotool key "$1"; }
-
-main_window=""
 main_is_active() { [[ "$(xdotool getactivewindow 2>/dev/null)" == "$main_window" ]]; }
 
 # After another window closed, the keyboard is the main window's again.
@@ -38,7 +25,7 @@ wait_main_active() {
 tab_to() {
     for _ in $(seq 1 40); do
         screen_text | grep -q "^focus"$'\t'"$1" && return 0
-        key Tab
+        press Tab
     done
     echo "Tab never reached '$1'; focus: $(screen_text | grep '^focus')" >&2
     exit 1
@@ -48,18 +35,18 @@ tab_to() {
 # starting and ending on a.jpg.
 keys_from() {
     local place=$1 name=$2
-    key space
+    press space
     shows b.jpg 2/3 "Space on $place"
-    key Prior
+    press Prior
     shows a.jpg 1/3 "PageUp on $place"
-    key Down
+    press Down
     shows b.jpg 2/3 "Down on $place"
-    key F5
+    press F5
     shows b.jpg 2/3 "F5 on $place"
     delete_answered_no b.jpg 2/3 "$place"
     favourites_and_back "$place"
     index_and_back "$place"
-    key Prior
+    press Prior
     shows a.jpg 1/3 "PageUp back on $place"
     # The control still has the focus: nothing was moved from it.
     screen_text | grep -q "^focus"$'\t'"$name" \
@@ -68,9 +55,9 @@ keys_from() {
 }
 
 delete_answered_no() { # file, position, place
-    key Delete
+    press Delete
     wait_text $'label\tMove this file to the Trash?' "Delete on $3"
-    key Return # No is the default answer
+    press Return # No is the default answer
     wait_no_text $'label\tMove this file to the Trash?' "answering No on $3"
     [[ -f "$work/pictures/$1" || -f "$work/movie/$1" ]] || { echo "Delete answered No removed $1" >&2; exit 1; }
     shows "$1" "$2" "answering No on $3"
@@ -78,28 +65,25 @@ delete_answered_no() { # file, position, place
 }
 
 favourites_and_back() {
-    key alt+g
+    press alt+g
     wait_text $'window\tGlobal Operations' "Alt+G on $1"
     # It comes forward: Escape there closes it.
-    key Escape
+    press Escape
     wait_no_text $'window\tGlobal Operations' "Escape in the favourites window opened from $1"
     wait_main_active "closing the favourites window opened from $1"
 }
 
 index_and_back() {
-    key alt+t
+    press alt+t
     wait_text $'window\t '"$folder" "Alt+T on $1"
-    key alt+F4
+    press alt+F4
     wait_no_text $'window\t '"$folder" "closing the index opened from $1"
     wait_main_active "closing the index opened from $1"
 }
 
 folder=$work/pictures
-"$vimora" "$folder/a.jpg" &
-pid=$!
+start_vimora " a.jpg  - Vimora " "$folder/a.jpg"
 shows a.jpg 1/3 "start"
-main_window=$(xdotool search --pid "$pid" --name "a.jpg  - Vimora" | head -1)
-xdotool windowactivate --sync "$main_window" 2>/dev/null || true
 
 # Right after start the focus is on the drive list: Down there was the
 # first key of a new user.
@@ -120,21 +104,20 @@ click_inside "scroll bar:Slideshow interval"
 keys_from "a click on the slideshow slider" $'filler\t a.jpg  - Vimora '
 
 # The path box keeps typing, Backspace and Delete; Enter opens what was typed.
-key F4
-key End
+press F4
+press End
 xdotool type --delay 30 "/subx"
 wait_text $'text\t'"$folder/subx" "typing into the path box"
-key BackSpace
-key Delete
-key Left
-key Right
+press BackSpace
+press Delete
+press Left
+press Right
 wait_text $'text\t'"$folder/sub" "Backspace in the path box"
 shows a.jpg 1/3 "typing into the path box"
-key Return
+press Return
 shows d.jpg 1/1 "Enter in the path box"
 echo "the path box kept its typing and Enter opened the folder typed"
-kill "$pid"
-wait "$pid" 2>/dev/null || true
+stop_vimora
 
 # A movie: the player and its control bar, clicked, give the keys back to
 # the window too. Space there plays and pauses instead of stepping on.
@@ -146,11 +129,8 @@ folder=$work/movie
 convert -size 640x480 xc:orange "$folder/a.jpg"
 convert -size 640x480 xc:orange "$folder/z.jpg"
 ffmpeg -loglevel error -f lavfi -i testsrc=duration=20:size=176x144:rate=10 -c:v mpeg4 "$folder/m.avi"
-"$vimora" "$folder/m.avi" &
-pid=$!
+start_vimora " m.avi  - Vimora " "$folder/m.avi"
 shows m.avi 2/3 "start on the movie"
-main_window=$(xdotool search --pid "$pid" --name "m.avi  - Vimora" | head -1)
-xdotool windowactivate --sync "$main_window" 2>/dev/null || true
 # Movies wait to be played.
 click_inside "check box:Play Movie"
 
@@ -163,15 +143,15 @@ on_movie() { # where ("the player" or "the control bar"), how it is clicked
 for place in player bar; do
     if [[ $place == player ]]; then where=(filler:Movie); else where=(filler:Movie slider:); fi
     on_movie "the $place" "${where[@]}"
-    key Down
+    press Down
     shows z.jpg 3/3 "Down on the movie's $place"
-    key Prior
+    press Prior
     on_movie "the $place" "${where[@]}"
-    key Prior
+    press Prior
     shows a.jpg 1/3 "PageUp on the movie's $place"
-    key Down
+    press Down
     on_movie "the $place" "${where[@]}"
-    key F5
+    press F5
     shows m.avi 2/3 "F5 on the movie's $place"
     on_movie "the $place" "${where[@]}"
     delete_answered_no m.avi 2/3 "the movie's $place"
@@ -185,9 +165,9 @@ shows m.avi 2/3 "before Space on the movie player"
 click_inside "filler:Movie" "push button:Stop"
 wait_text $'button\tPlay' "Stop on the control bar"
 click_inside "filler:Movie"
-key space
+press space
 wait_text $'button\tPause' "Space on the movie player"
-key space
+press space
 wait_text $'button\tPlay' "Space again on the movie player"
 shows m.avi 2/3 "Space on the movie player"
 echo "Space on the movie player played and paused the movie"
