@@ -14,10 +14,17 @@ ViewerContext::ViewerContext(const MessageCatalogue &messages, QObject *parent) 
 
 ViewerContext::~ViewerContext() = default;
 
-QString ViewerContext::currentPath() const
+namespace {
+
+// A drive root keeps its one slash: "/" and "a.jpg" give "/a.jpg".
+QString pathIn(const QString &folder, const QString &name)
 {
-    return m_folder.endsWith(QLatin1Char('/')) ? m_folder + m_fileName : m_folder + QLatin1Char('/') + m_fileName;
+    return folder.endsWith(QLatin1Char('/')) ? folder + name : folder + QLatin1Char('/') + name;
 }
+
+} // namespace
+
+QString ViewerContext::currentPath() const { return pathIn(m_folder, m_fileName); }
 
 void ViewerContext::setTypeFilter(const QString &code, int index)
 {
@@ -148,11 +155,10 @@ void ViewerContext::runShow(const ShowRequest &request)
         return; // a move that stops keeps what shows
 
     m_presenter->releaseShown();
-    m_animating = false;
     m_picture = {};
-    const QString upcoming = request.nameIsFullPath ? request.name
-                             : QString(m_folder.endsWith(QLatin1Char('/')) ? m_folder : m_folder + QLatin1Char('/'))
-                                   + (request.name.isEmpty() ? m_names.value(m_index) : request.name);
+    const QString upcoming = request.nameIsFullPath
+                                 ? request.name
+                                 : pathIn(m_folder, request.name.isEmpty() ? m_names.value(m_index) : request.name);
     if (!m_presenter->showsAtOnce(upcoming)) {
         QCoreApplication::processEvents();
         if (superseded())

@@ -85,8 +85,6 @@ public:
     };
     const ShownPicture &shownPicture() const { return m_picture; }
     void setShownPicture(ShownPicture picture) { m_picture = std::move(picture); }
-    bool animatesShownFile() const { return m_animating; }
-    void setAnimatesShownFile(bool on) { m_animating = on; }
 
     // Pictures decoded ahead of the steps to come; made on first use.
     PicturePrefetch &prefetch();
@@ -148,7 +146,6 @@ private:
     bool m_movieLoaded = false;
     QString m_sizeText;
     ShownPicture m_picture;
-    bool m_animating = false;
     DisplayMode m_mode = DisplayMode::Fit;
     double m_zoom = 0;
     bool m_fullScreen = false;

@@ -13,6 +13,7 @@ public:
     virtual void stopMovie() = 0;
     virtual void toggleAnimation() = 0;
     virtual int moviePlayState() const = 0; // of the player that shows movies full screen
+    virtual bool animatesShownFile() const = 0; // the file on show plays as an animation
     virtual bool shellOpenOffered() const = 0;
     // The slideshow waits while the view works; it goes on if it is on.
     virtual void holdSlideshow() = 0;

@@ -124,7 +124,7 @@ void frmFull::MostraFullImage()
     ImgEgg->hide();
     WebBrowser1->hide();
     const QString path = m_context.currentPath();
-    if (m_context.animatesShownFile()) {
+    if (m_host.animatesShownFile()) {
         WebBrowser1->setGeometry(rect());
         if (WebBrowser1->location() != path)
             WebBrowser1->Navigate(path);
@@ -207,7 +207,7 @@ void frmFull::Form_MouseDown(QMouseEvent *event)
 void frmFull::ImgEgg_MouseDown(QMouseEvent *event)
 {
     // Only a still picture: an animation leaves the presses to the window.
-    if (event->button() != Qt::LeftButton && !m_context.animatesShownFile())
+    if (event->button() != Qt::LeftButton && !m_host.animatesShownFile())
         showPopup(event->globalPosition().toPoint());
 }
 

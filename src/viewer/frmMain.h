@@ -264,7 +264,7 @@ public:
     frmFull *fullView() const; // null unless loaded
     // The file on show plays in the animation view: a GIF, or a WebP of
     // several frames, with chkAnim on. A still WebP stays a picture.
-    bool animatesShownFile() const;
+    bool animatesShownFile() const override;
     // Hides or shows this window and the index window with it.
     void setMainWindowsVisible(bool visible);
     // Called each time the full-screen window is made, after its commands

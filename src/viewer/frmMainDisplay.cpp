@@ -65,9 +65,8 @@ void frmMain::releaseShown()
 
 void frmMain::showNothing() { setWaitCursor(false); }
 
-void frmMain::announceFile(const QString &path, MediaClass)
+void frmMain::announceFile(const QString &, MediaClass)
 {
-    Q_UNUSED(path);
     setWindowTitle(ViewRules::fileTitle(m_context.CurrentFileName()));
     cmdExpand->setEnabled(true);
     cmdReduce->setEnabled(true);
@@ -175,7 +174,6 @@ void frmMain::clearDisplay()
     ImgEgg->hide();
     ImgEgg->clear();
     m_context.setShownPicture({});
-    m_context.setAnimatesShownFile(false);
     WebBrowser1->clear();
     WebBrowser1->hide();
 }

@@ -244,7 +244,6 @@ void frmMain::chkAnim_Click()
         ClearCropSelection();
     if (!chkAnim->isChecked()) {
         m_state.AnimateGifs = false;
-        m_context.setAnimatesShownFile(false);
         WebBrowser1->hide();
         if (!ImgEgg->isEmpty())
             ImgEgg->show();
@@ -262,7 +261,6 @@ void frmMain::chkAnim_Click()
             WebBrowser1->raise();
         }
     }
-    m_context.setAnimatesShownFile(animatesShownFile());
     if (!m_context.FullScreenActive()) {
         show();
         raise();
@@ -282,9 +280,7 @@ bool frmMain::animatesShownFile() const
 void frmMain::showAnimation(const QString &path)
 {
     WebBrowser1->Navigate(path);
-    m_context.setAnimatesShownFile(animatesShownFile());
     m_state.AnimateGifs = chkAnim->isChecked();
-    m_context.setAnimatesShownFile(animatesShownFile());
     if (m_context.FullScreenActive())
         return;
     const bool animate = animatesShownFile();
